@@ -1,0 +1,254 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "core_types/optional.h"
+#include "serialization/deserializing_enumerator.h"
+#include "serialization/member_view.h"
+#include "serialization/scalar_deserializer.h"
+#include "serialization/wire_type.h"
+
+namespace ara::com::internal::vsomeip::common {
+
+/// Records: a 4-byte length, then members in tag-length-value form. Members with an unknown data id are skipped; of a
+/// data id that occurs twice the later value stays.
+///
+/// getValue() throws std::runtime_error where a length does not fit. A scalar member whose bytes are fewer than its
+/// type needs ends the process instead (std::terminate): a sender that writes a member narrower than its type has
+/// another interface in mind, and none of its values can be trusted.
+template <typename T>
+class Deserializer<T, std::enable_if_t<kIsRecord<T>>> {
+ public:
+  Deserializer(const unsigned char* data, std::uint64_t size) noexcept : data_(data), size_(size) {}
+
+  T getValue() const;
+
+ private:
+  const unsigned char* data_;
+  std::uint64_t size_;
+};
+
+/// Sequences: the number of bytes that follow, then the elements one after another. There is no element count.
+template <typename Sequence>
+class SequenceContainerDeserializer;
+
+template <typename T>
+class SequenceContainerDeserializer<std::vector<T>> {
+ public:
+  SequenceContainerDeserializer(const unsigned char* data, std::uint64_t size) noexcept : data_(data), size_(size) {}
+
+  /// The elements, in one allocation of the exact size (none when empty). Throws std::runtime_error; nothing partial is
+  /// returned.
+  std::vector<T> getValue() const;
+
+ private:
+  std::vector<T> ReadScalars(const unsigned char* content, std::uint64_t length) const;
+  std::size_t CountElements(const unsigned char* content, std::uint64_t length) const;
+
+  const unsigned char* data_;
+  std::uint64_t size_;
+};
+
+template <typename T>
+class Deserializer<std::vector<T>> : public SequenceContainerDeserializer<std::vector<T>> {
+ public:
+  using SequenceContainerDeserializer<std::vector<T>>::SequenceContainerDeserializer;
+};
+
+/// Strings and fixed-size byte arrays: a 4-byte length and the bytes as they are.
+template <typename T>
+class Deserializer<T, std::enable_if_t<kIsString<T> || kIsByteArray<T>>> {
+ public:
+  Deserializer(const unsigned char* data, std::uint64_t size) noexcept : data_(data), size_(size) {}
+
+  T getValue() const;
+
+ private:
+  const unsigned char* data_;
+  std::uint64_t size_;
+};
+
+namespace detail {
+
+inline constexpr const char* kRecordTooLong = "Deserialization of structure failed, declared size excess data length.";
+inline constexpr const char* kSequenceTooShort = "Deserialization of sequence container failed, insufficient data.";
+
+/// Collects the data ids of the members that a record cannot do without: those that are no Optional. The set stays
+/// empty, and costs no allocation, where every member is optional.
+struct RequiredMemberCollector {
+  std::set<std::uint16_t>& ids;
+
+  template <typename T>
+  void operator()(std::uint16_t, const char*, const ara::core::Optional<T>&) const noexcept {}
+  template <typename T>
+  void operator()(std::uint16_t dataId, const char*, const T&) const {
+    ids.insert(dataId);
+  }
+};
+
+/// Fills the one member whose data id was read; the enumeration of the record passes by all others.
+class MemberDecoder {
+ public:
+  explicit MemberDecoder(const MemberView& view) noexcept : view_(view) {}
+
+  template <typename T>
+  void operator()(std::uint16_t dataId, const char*, ara::core::Optional<T>& member) const {
+    if (dataId == view_.dataId) {
+      Decode(member);
+    }
+  }
+  template <typename T>
+  void operator()(std::uint16_t dataId, const char*, T& member) const {
+    if (dataId == view_.dataId) {
+      ara::core::Optional<T> decoded;
+      Decode(decoded);
+      member = std::move(*decoded);
+    }
+  }
+
+ private:
+  template <typename T>
+  void Decode(ara::core::Optional<T>& member) const {
+    if constexpr (kIsScalar<T>) {
+      DecodeScalar(member);
+    } else {
+      member = Deserializer<T>(view_.data, view_.size).getValue();
+    }
+  }
+
+  // No exception leaves this function: a scalar that is shorter than its type is fatal.
+  template <typename T>
+  void DecodeScalar(ara::core::Optional<T>& member) const noexcept {
+    DeserializingEnumerator(view_.data, view_.size)(member);
+  }
+
+  MemberView view_;
+};
+
+}  // namespace detail
+
+template <typename T>
+T Deserializer<T, std::enable_if_t<kIsRecord<T>>>::getValue() const {
+  if (size_ < kLengthFieldSize) {
+    throw std::runtime_error("Deserialization of structure failed, unable to read size.");
+  }
+  const std::uint32_t length = Deserializer<std::uint32_t>(data_, size_).getValue();
+  if (length > size_ - kLengthFieldSize) {
+    throw std::runtime_error(detail::kRecordTooLong);
+  }
+  T record;
+  std::set<std::uint16_t> required;
+  T::enumerate(record, detail::RequiredMemberCollector{required});
+  const unsigned char* position = data_ + kLengthFieldSize;
+  for (std::uint64_t remaining = length; remaining > 0;) {
+    const MemberView member = ReadMember(position, remaining);
+    T::enumerate(record, detail::MemberDecoder(member));
+    required.erase(member.dataId);
+    position += kTagSize + member.size;
+    remaining -= kTagSize + member.size;
+  }
+  if (!required.empty()) {
+    throw std::runtime_error("Failed to deserialize required fields");
+  }
+  return record;
+}
+
+template <typename T>
+std::vector<T> SequenceContainerDeserializer<std::vector<T>>::getValue() const {
+  const std::uint32_t length = Deserializer<std::uint32_t>(data_, size_).getValue();
+  if (length > size_ - kLengthFieldSize) {
+    throw std::runtime_error(detail::kSequenceTooShort);
+  }
+  const unsigned char* position = data_ + kLengthFieldSize;
+  if constexpr (kIsScalar<T>) {
+    return ReadScalars(position, length);
+  } else {
+    std::vector<T> elements;
+    elements.reserve(CountElements(position, length));
+    for (std::uint64_t remaining = length; remaining > 0;) {
+      const std::uint64_t extent = kLengthFieldSize + Deserializer<std::uint32_t>(position, remaining).getValue();
+      elements.push_back(Deserializer<T>(position, extent).getValue());
+      position += extent;
+      remaining -= extent;
+    }
+    return elements;
+  }
+}
+
+template <typename T>
+std::vector<T> SequenceContainerDeserializer<std::vector<T>>::ReadScalars(const unsigned char* content,
+                                                                          std::uint64_t length) const {
+  if (length % sizeof(T) != 0) {
+    throw std::runtime_error(detail::kSequenceTooShort);
+  }
+  std::vector<T> elements(static_cast<std::size_t>(length / sizeof(T)));
+  for (std::size_t i = 0; i < elements.size(); ++i) {
+    elements[i] = Deserializer<T>(content + i * sizeof(T), sizeof(T)).getValue();
+  }
+  return elements;
+}
+
+// Checks every element's extent against the bytes that were handed over and against the sequence, before any is
+// decoded.
+template <typename T>
+std::size_t SequenceContainerDeserializer<std::vector<T>>::CountElements(const unsigned char* content,
+                                                                         std::uint64_t length) const {
+  std::uint64_t handed = size_ - kLengthFieldSize;
+  std::size_t count = 0;
+  for (std::uint64_t remaining = length; remaining > 0; ++count) {
+    if (handed < kLengthFieldSize) {
+      throw std::runtime_error("Deserialization of structure failed, unable to read size.");
+    }
+    const std::uint32_t elementLength = Deserializer<std::uint32_t>(content, handed).getValue();
+    if (elementLength > handed - kLengthFieldSize) {
+      throw std::runtime_error(detail::kRecordTooLong);
+    }
+    const std::uint64_t extent = kLengthFieldSize + std::uint64_t{elementLength};
+    if (extent > remaining) {
+      throw std::runtime_error(detail::kSequenceTooShort);
+    }
+    content += extent;
+    handed -= extent;
+    remaining -= extent;
+  }
+  return count;
+}
+
+template <typename T>
+T Deserializer<T, std::enable_if_t<kIsString<T> || kIsByteArray<T>>>::getValue() const {
+  const std::uint32_t length = Deserializer<std::uint32_t>(data_, size_).getValue();
+  if (length > size_ - kLengthFieldSize) {
+    throw std::runtime_error(detail::kSequenceTooShort);
+  }
+  const unsigned char* const content = data_ + kLengthFieldSize;
+  if constexpr (kIsString<T>) {
+    return T(reinterpret_cast<const char*>(content), length);
+  } else {
+    T bytes;
+    if (length != bytes.size()) {
+      throw std::runtime_error(detail::kSequenceTooShort);
+    }
+    std::memcpy(bytes.data(), content, length);
+    return bytes;
+  }
+}
+
+/// Decodes a whole payload as a field's value. A payload shorter than the sequence that it declares has a text of its
+/// own.
+template <typename Sequence>
+Sequence DeserializeFieldValue(const unsigned char* data, std::uint64_t size) {
+  if (size < kLengthFieldSize || Deserializer<std::uint32_t>(data, size).getValue() > size - kLengthFieldSize) {
+    throw std::runtime_error("Deserialization of ara::core::Vector<T> failed, insufficient data.");
+  }
+  return SequenceContainerDeserializer<Sequence>(data, size).getValue();
+}
+
+}  // namespace ara::com::internal::vsomeip::common
