@@ -144,7 +144,7 @@ T Deserializer<T, std::enable_if_t<kIsRecord<T>>>::getValue() const {
   if (length > size_ - kLengthFieldSize) {
     throw std::runtime_error(detail::kRecordTooLong);
   }
-  T record;
+  T record{};
   std::set<std::uint16_t> required;
   T::enumerate(record, detail::RequiredMemberCollector{required});
   const unsigned char* position = data_ + kLengthFieldSize;

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "platform/include/service_instance.h"
+#include "platform/include/visibility.h"
+
+namespace ara::com::internal::vsomeip::common {
+
+/// Follows whether a service instance is offered, while it is requested (VSomeIPConnection::DoRequestService).
+/// `handler` is called on a thread of the stack with each change, and once with the present state if that is known to
+/// be "available". Returns the token to take the registration back with; a call that is under way then may still end
+/// after that.
+///
+/// The operations are optional: a platform may lack them, so they are weak and must be compared with null before they
+/// are called. Without them a lost service shows only when it has come back.
+__attribute__((weak)) ARA_PLATFORM_API std::uint64_t registerAvailabilityHandler(
+    const ServiceInstance& service, std::function<void(bool available)> handler);
+__attribute__((weak)) ARA_PLATFORM_API void unregisterAvailabilityHandler(std::uint64_t token);
+
+}  // namespace ara::com::internal::vsomeip::common
