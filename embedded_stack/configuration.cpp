@@ -1,10 +1,11 @@
 #include "embedded_stack/configuration.h"
 
 #include <algorithm>
-#include <boost/asio/ip/address_v4.hpp>
 #include <fstream>
 #include <functional>
 #include <iterator>
+
+#include <boost/asio/ip/address_v4.hpp>
 #include <nlohmann/json.hpp>
 
 namespace vsomeip_v3::embedded {
@@ -28,14 +29,15 @@ class Reader {
       reason = reason.substr(std::min(reason.find(": "), reason.size() - 1) + 2);
       throw ConfigurationError(Where(error.byte == 0 ? 0 : error.byte - 1) + "no valid JSON: " + reason);
     }
-    Members(document, "",
-            {{"unicast", [this](const Json& value) { configuration_.unicast = Address(value); }},
-             {"applications", [this](const Json& value) { Each(value, [this](const Json& item) { Application(item); }); }},
-             {"services", [this](const Json& value) { Each(value, [this](const Json& item) { Service(item); }); }},
-             {"service-discovery", [this](const Json& value) { Discovery(value); }},
-             {"logging", [this](const Json& value) {
-                Members(value, "logging", {{"level", [this](const Json& level) { Level(level); }}});
-              }}});
+    Members(
+        document, "",
+        {{"unicast", [this](const Json& value) { configuration_.unicast = Address(value); }},
+         {"applications", [this](const Json& value) { Each(value, [this](const Json& item) { Application(item); }); }},
+         {"services", [this](const Json& value) { Each(value, [this](const Json& item) { Service(item); }); }},
+         {"service-discovery", [this](const Json& value) { Discovery(value); }},
+         {"logging", [this](const Json& value) {
+            Members(value, "logging", {{"level", [this](const Json& level) { Level(level); }}});
+          }}});
   }
 
  private:
@@ -117,7 +119,8 @@ class Reader {
     std::string name;
     client_t id = 0;
     Members(item, "applications",
-            {{"name", [&](const Json& value) { name = Text(value); }}, {"id", [&](const Json& value) { id = Number16(value); }}});
+            {{"name", [&](const Json& value) { name = Text(value); }},
+             {"id", [&](const Json& value) { id = Number16(value); }}});
     if (name.empty()) Fail("an application needs a \"name\"");
     if (id != 0) configuration_.client_ids[name] = id;
   }
@@ -158,8 +161,9 @@ class Reader {
 
   void Level(const Json& value) {
     static const std::map<std::string, LogLevel> kLevels = {
-        {"none", LogLevel::kNone},   {"fatal", LogLevel::kError}, {"error", LogLevel::kError}, {"warning", LogLevel::kWarning},
-        {"info", LogLevel::kInfo}, {"debug", LogLevel::kDebug}, {"verbose", LogLevel::kDebug}, {"trace", LogLevel::kDebug}};
+        {"none", LogLevel::kNone},       {"fatal", LogLevel::kError}, {"error", LogLevel::kError},
+        {"warning", LogLevel::kWarning}, {"info", LogLevel::kInfo},   {"debug", LogLevel::kDebug},
+        {"verbose", LogLevel::kDebug},   {"trace", LogLevel::kDebug}};
     const auto level = kLevels.find(Text(value));
     if (level == kLevels.end()) Fail("\"logging.level\" must be none, fatal, error, warning, info, debug or verbose");
     configuration_.log_level = level->second;

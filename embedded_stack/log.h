@@ -51,18 +51,18 @@ std::string Hex(std::uint16_t value);
 
 // Why something from the wire, or on its way there, was thrown away.
 enum class Drop : std::size_t {
-  kMalformed,         // header or length wrong
-  kBadDiscovery,      // a discovery message that cannot be understood, or from a port that is not discovery's
-  kForeignAddress,    // discovery from, or naming, an address outside of the loopback range while this node is inside
-  kBadSegment,        // a segment that does not continue its message
-  kReassemblyLimit,   // too many or too large unfinished messages, or unfinished for too long
-  kNobodyAsked,       // a response or notification from no service that is used, or of no subscribed event
-  kUnknownService,    // a request for what is not offered here
-  kWrongVersion,      // protocol or interface version
-  kUnknownMethod,     // a request for which no handler is registered
-  kQueueFull,         // handlers do not keep up
-  kDiscoveryLimit,    // more offers, peers or subscribers than are kept
-  kDuplicateOffer,    // a second node offers an instance that is in use from another
+  kMalformed,        // header or length wrong
+  kBadDiscovery,     // a discovery message that cannot be understood, or from a port that is not discovery's
+  kForeignAddress,   // discovery from, or naming, an address outside of the loopback range while this node is inside
+  kBadSegment,       // a segment that does not continue its message
+  kReassemblyLimit,  // too many or too large unfinished messages, or unfinished for too long
+  kNobodyAsked,      // a response or notification from no service that is used, or of no subscribed event
+  kUnknownService,   // a request for what is not offered here
+  kWrongVersion,     // protocol or interface version
+  kUnknownMethod,    // a request for which no handler is registered
+  kQueueFull,        // handlers do not keep up
+  kDiscoveryLimit,   // more offers, peers or subscribers than are kept
+  kDuplicateOffer,   // a second node offers an instance that is in use from another
   kCount
 };
 

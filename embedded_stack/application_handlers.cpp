@@ -1,0 +1,111 @@
+// The part of the application that registers handlers and queues their calls.
+#include "embedded_stack/application_impl.h"
+
+namespace vsomeip_v3::embedded {
+
+void ApplicationImpl::Push(Dispatcher::Task task, bool is_message) {
+  if (!dispatcher_.Push(std::move(task), is_message)) {
+    drops_.Count(Drop::kQueueFull, "a handler blocks", std::chrono::steady_clock::now());
+  }
+}
+
+void ApplicationImpl::PushMessage(std::shared_ptr<message> message) {
+  const auto slot = handlers_.FindMessage(message->get_service(), message->get_instance(), message->get_method());
+  if (!slot) return;
+  Push(
+      [slot, message = std::move(message)] {
+        if (slot->registered) slot->call(message);
+      },
+      true);
+}
+
+void ApplicationImpl::PushStatus(const ServiceInstance& key, eventgroup_t eventgroup, event_t event, bool accepted) {
+  constexpr std::uint16_t kRejected = 7;
+  const std::uint16_t status = accepted ? 0 : kRejected;
+  for (const auto& slot : handlers_.FindStatus({key.first, key.second, eventgroup, event}, accepted)) {
+    Push([slot, key, eventgroup, event, status] {
+      if (slot->registered) slot->call(key.first, key.second, eventgroup, event, status);
+    });
+  }
+}
+
+void ApplicationImpl::TellStatus(const DiscoveryOutput::SubscriptionStatus& status) {
+  const ServiceInstance key{status.service, status.instance};
+  for (const event_t event : used_events_.SetStatus(key, status.eventgroup, status.accepted)) {
+    PushStatus(key, status.eventgroup, event, status.accepted);
+  }
+}
+
+void ApplicationImpl::TellAvailability(const DiscoveryOutput::Availability& change) {
+  if (!change.available) used_events_.Lose({change.service, change.instance});
+  for (const auto& slot : handlers_.ChangeAvailability(change)) {
+    Push([slot, change] {
+      if (slot->registered) slot->call(change.service, change.instance, change.available);
+    });
+  }
+}
+
+void ApplicationImpl::register_state_handler(const state_handler_t& handler) {
+  const Lock lock(mutex_);
+  handlers_.SetState(handler);
+}
+
+void ApplicationImpl::unregister_state_handler() { register_state_handler(nullptr); }
+
+void ApplicationImpl::register_message_handler(service_t service, instance_t instance, method_t method,
+                                               const message_handler_t& handler) {
+  const Lock lock(mutex_);
+  handlers_.SetMessage({service, instance, method}, handler);
+}
+
+void ApplicationImpl::unregister_message_handler(service_t service, instance_t instance, method_t method) {
+  register_message_handler(service, instance, method, nullptr);
+}
+
+void ApplicationImpl::register_availability_handler(service_t service, instance_t instance,
+                                                    const availability_handler_t& handler, major_version_t major,
+                                                    minor_version_t minor) {
+  const Lock lock(mutex_);
+  const Handlers::AvailabilityKey key{service, instance, major, minor};
+  std::vector<DiscoveryOutput::Availability> present;
+  if (requests_) {
+    for (const auto& [id, found] : requests_->Available()) {
+      const DiscoveryOutput::Availability candidate{id.first, id.second, found.major, found.minor, true};
+      if (Handlers::Concerns(key, candidate)) present.push_back(candidate);
+    }
+  }
+  const auto slot = handlers_.SetAvailability(key, handler, present);
+  if (!slot) return;
+  const bool is_wildcard = service == ANY_SERVICE || instance == ANY_INSTANCE;
+  if (present.empty() && !is_wildcard) present.push_back({service, instance, major, minor, false});
+  for (const auto& state : present) {
+    Push([slot, state] {
+      if (slot->registered) slot->call(state.service, state.instance, state.available);
+    });
+  }
+}
+
+void ApplicationImpl::unregister_availability_handler(service_t service, instance_t instance, major_version_t major,
+                                                      minor_version_t minor) {
+  const Lock lock(mutex_);
+  handlers_.RemoveAvailability({service, instance, major, minor});
+}
+
+void ApplicationImpl::register_subscription_status_handler(service_t service, instance_t instance,
+                                                           eventgroup_t eventgroup, event_t event,
+                                                           subscription_status_handler_t handler, bool is_selective) {
+  const Lock lock(mutex_);
+  handlers_.SetStatus({service, instance, eventgroup, event}, handler, is_selective);
+}
+
+void ApplicationImpl::unregister_subscription_status_handler(service_t service, instance_t instance,
+                                                             eventgroup_t eventgroup, event_t event) {
+  register_subscription_status_handler(service, instance, eventgroup, event, nullptr, false);
+}
+
+void ApplicationImpl::clear_all_handler() {
+  const Lock lock(mutex_);
+  handlers_.Clear();
+}
+
+}  // namespace vsomeip_v3::embedded

@@ -1,0 +1,257 @@
+// The part of the application between the tables and the network.
+#include <algorithm>
+
+#include <boost/asio/post.hpp>
+
+#include "embedded_stack/application_impl.h"
+
+namespace vsomeip_v3::embedded {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds kFlushInterval{1};
+constexpr std::size_t kMaxClients = 1024;  // remembered for notify_one()
+
+std::string NameOf(const Endpoint& endpoint) {
+  return boost::asio::ip::address_v4(endpoint.address).to_string() + ":" + std::to_string(endpoint.port);
+}
+
+bool IsLoopback(std::uint32_t address) { return address >> 24U == 127; }
+
+}  // namespace
+
+void ApplicationImpl::OnDatagram(Sockets::Channel channel, std::size_t socket, const Endpoint& from,
+                                 ByteView datagram) {
+  const Lock lock(mutex_);
+  if (state_ != State::kRunning) return;
+  if (channel == Sockets::Channel::kData) {
+    OnData(socket, from, datagram);
+  } else {
+    OnDiscovery(channel == Sockets::Channel::kDiscoveryMulticast, from, datagram);
+  }
+}
+
+void ApplicationImpl::OnDiscovery(bool multicast, const Endpoint& from, ByteView datagram) {
+  const TimePoint now = Clock::now();
+  if (multicast && from.address == sockets_.Address()) return;  // our own
+  if (sockets_.IsLoopback() && !IsLoopback(from.address)) return drops_.Count(Drop::kForeignAddress, NameOf(from), now);
+  const auto message = DecodeDiscovery(datagram);
+  if (!message || from.port != discovery_port_) return drops_.Count(Drop::kBadDiscovery, NameOf(from), now);
+
+  DiscoveryOutput out;
+  if (peers_->Heard(from.address, multicast, {message->session, message->reboot}, now)) {
+    offers_->OnPeerRestarted(from.address);
+    requests_->OnPeerRestarted(from.address, now, out);
+  }
+  for (const DiscoveryEntry& entry : message->entries) OnDiscoveryEntry(entry, from.address, out);
+  for (const Drop drop : out.drops) drops_.Count(drop, NameOf(from), now);
+  Apply(out);
+  Wake();
+}
+
+void ApplicationImpl::OnDiscoveryEntry(DiscoveryEntry entry, std::uint32_t from, DiscoveryOutput& out) {
+  const TimePoint now = Clock::now();
+  if (entry.udp && sockets_.IsLoopback() && !IsLoopback(entry.udp->address)) {
+    entry.bad_options = true;  // nothing leaves the machine
+    out.drops.push_back(Drop::kForeignAddress);
+  }
+  switch (entry.type) {
+    case EntryType::kFind:
+      return offers_->OnFind(entry, from, now, out);
+    case EntryType::kOffer:
+      return requests_->OnOffer(entry, from, now, out);
+    case EntryType::kSubscribe:
+      return offers_->OnSubscribe(entry, from, now, out);
+    case EntryType::kAcknowledge:
+      return requests_->OnAcknowledge(entry, from, out);
+  }
+}
+
+// A datagram may hold several messages.
+void ApplicationImpl::OnData(std::size_t socket, const Endpoint& from, ByteView datagram) {
+  do {
+    const auto header = DecodeHeader(datagram);
+    const std::size_t rest = datagram.Sub(kHeaderSize).size();
+    if (!header || header->length < kLengthBase || header->length - kLengthBase > rest) {
+      drops_.Count(Drop::kMalformed, NameOf(from), Clock::now());
+      const bool answer = header && header->length != 0 && header->Type() == message_type_e::MT_REQUEST;
+      if (answer) SendError({socket, from}, *header, return_code_e::E_MALFORMED_MESSAGE);
+      return;
+    }
+    const std::size_t payload_size = header->length - kLengthBase;
+    OnMessage(socket, from, *header, datagram.Sub(kHeaderSize, payload_size));
+    datagram = datagram.Sub(kHeaderSize + payload_size);
+  } while (datagram.size() > 0);
+}
+
+void ApplicationImpl::OnMessage(std::size_t socket, const Endpoint& from, const MessageHeader& header,
+                                ByteView payload) {
+  const Origin origin{socket, from};
+  const instance_t* instance = Admit(origin, header);
+  if (instance == nullptr) return;
+  if (header.IsSegment()) return OnSegment(origin, header, *instance, payload);
+  Deliver(origin, header, *instance, {payload.begin(), payload.end()});
+}
+
+// The instance that the message belongs to. Null if it was dropped and, where that is due, answered. Segments are
+// checked like whole messages, so that nobody fills the memory with messages that would be dropped in the end.
+const instance_t* ApplicationImpl::Admit(const Origin& origin, const MessageHeader& header) {
+  if (IsRequest(header.Type())) return AdmitRequest(origin, header);
+  if (!IsResponse(header.Type()) && !IsNotification(header.Type())) {
+    drops_.Count(Drop::kMalformed, NameOf(origin.peer), Clock::now());
+    return nullptr;
+  }
+  if (header.protocol_version != kProtocolVersion) {
+    drops_.Count(Drop::kWrongVersion, NameOf(origin.peer), Clock::now());
+    return nullptr;
+  }
+  const instance_t* instance = requests_->FindInstance(header.service, origin.peer);
+  const bool is_expected =
+      instance != nullptr &&
+      (!IsNotification(header.Type()) || used_events_.IsSubscribed({header.service, *instance}, header.method));
+  if (is_expected) return instance;
+  drops_.Count(Drop::kNobodyAsked, NameOf(origin.peer), Clock::now());
+  return nullptr;
+}
+
+const instance_t* ApplicationImpl::AdmitRequest(const Origin& origin, const MessageHeader& header) {
+  const instance_t* instance = offers_->FindInstance(header.service, origin.socket);
+  return_code_e code = return_code_e::E_OK;
+  if (header.protocol_version != kProtocolVersion) {
+    code = return_code_e::E_WRONG_PROTOCOL_VERSION;
+  } else if (instance == nullptr) {
+    code = return_code_e::E_UNKNOWN_SERVICE;
+  } else if (offers_->Find({header.service, *instance})->major != header.interface_version) {
+    code = return_code_e::E_WRONG_INTERFACE_VERSION;
+  } else {
+    return instance;
+  }
+  const bool is_unknown = code == return_code_e::E_UNKNOWN_SERVICE;
+  drops_.Count(is_unknown ? Drop::kUnknownService : Drop::kWrongVersion, NameOf(origin.peer), Clock::now());
+  if (header.Type() == message_type_e::MT_REQUEST) SendError(origin, header, code);
+  return nullptr;
+}
+
+void ApplicationImpl::OnSegment(const Origin& origin, const MessageHeader& header, instance_t instance,
+                                ByteView bytes) {
+  const TimePoint now = Clock::now();
+  const auto segment = DecodeSegment(bytes);
+  if (!segment) return drops_.Count(Drop::kBadSegment, NameOf(origin.peer), now);
+  const bool was_empty = reassembler_.Empty();
+  Reassembler::Result result = reassembler_.Add(origin.peer, header, *segment, now);
+  switch (result.outcome) {
+    case Reassembler::Outcome::kIncomplete:
+      if (was_empty) Wake();  // for the time limit
+      return;
+    case Reassembler::Outcome::kBadSegment:
+      return drops_.Count(Drop::kBadSegment, NameOf(origin.peer), now);
+    case Reassembler::Outcome::kOverLimit:
+      return drops_.Count(Drop::kReassemblyLimit, NameOf(origin.peer), now);
+    case Reassembler::Outcome::kComplete:
+      break;
+  }
+  MessageHeader whole = header;
+  whole.type = static_cast<std::uint8_t>(header.Type());
+  Deliver(origin, whole, instance, std::move(result.payload));
+}
+
+void ApplicationImpl::Deliver(const Origin& origin, const MessageHeader& header, instance_t instance,
+                              std::vector<std::uint8_t> payload) {
+  const ServiceInstance key{header.service, instance};
+  auto message = std::make_shared<MessageImpl>(header, instance, std::make_shared<PayloadImpl>(std::move(payload)));
+  if (IsRequest(header.Type())) {
+    message->set_origin(origin);
+    if (clients_.size() < kMaxClients || clients_.count(header.client) != 0) clients_[header.client] = origin.peer;
+    if (!handlers_.FindMessage(header.service, instance, header.method)) {
+      return drops_.Count(Drop::kUnknownMethod, NameOf(origin.peer) + " calls " + Hex(header.method), Clock::now());
+    }
+  } else if (IsNotification(header.Type())) {
+    used_events_.Keep(key, header.method, message);
+  }
+  PushMessage(std::move(message));
+}
+
+void ApplicationImpl::SendError(const Origin& origin, const MessageHeader& request, return_code_e code) {
+  MessageHeader error = request;
+  error.protocol_version = kProtocolVersion;
+  error.type = static_cast<std::uint8_t>(message_type_e::MT_ERROR);
+  error.return_code = static_cast<std::uint8_t>(code);
+  Transmit(origin.socket, origin.peer, error, std::make_shared<const std::vector<std::uint8_t>>());
+}
+
+void ApplicationImpl::Transmit(std::size_t socket, const Endpoint& to, const MessageHeader& header,
+                               SharedBytes payload) {
+  const SendQueue::Target target{socket, to};
+  const bool at_once = payload->size() <= kMaxUnsegmentedPayload && !queue_->HasJobsFor(target);
+  if (at_once && sockets_.Send(socket, to, EncodeMessage(header, *payload))) return;
+  if (!queue_->Push(target, header, std::move(payload))) {
+    log_->Error("the send queue is full: message of ", Hex(header.service), " to ", NameOf(to), " dropped");
+    return;
+  }
+  Wake();
+}
+
+void ApplicationImpl::Apply(const DiscoveryOutput& out) {
+  SendEntries(out.entries);
+  for (const auto& change : out.availability) TellAvailability(change);
+  for (const auto& status : out.subscriptions) TellStatus(status);
+  for (const auto& subscriber : out.subscribers) SendInitialValues(subscriber);
+}
+
+void ApplicationImpl::SendEntries(const std::vector<DiscoveryOutput::Outgoing>& entries) {
+  std::map<std::optional<std::uint32_t>, std::vector<DiscoveryEntry>> by_target;
+  for (const auto& outgoing : entries) by_target[outgoing.to].push_back(outgoing.entry);
+  const TimePoint now = Clock::now();
+  for (const auto& [to, all] : by_target) {
+    for (std::size_t at = 0; at < all.size(); at += kMaxEntriesPerMessage) {
+      const auto begin = all.begin() + static_cast<std::ptrdiff_t>(at);
+      const auto count = static_cast<std::ptrdiff_t>(std::min(kMaxEntriesPerMessage, all.size() - at));
+      const PeerTable::Session session = peers_->Next(to, now);
+      const auto datagram = EncodeDiscovery({session.id, session.reboot, {begin, begin + count}});
+      if (to) {
+        sockets_.SendDiscovery(*to, datagram);
+      } else {
+        sockets_.SendToGroup(datagram);
+      }
+    }
+  }
+}
+
+void ApplicationImpl::Wake() {
+  if (!wake_pending_.exchange(true)) boost::asio::post(io_, [this] { Tick(); });
+}
+
+void ApplicationImpl::Tick() {
+  wake_pending_ = false;
+  const Lock lock(mutex_);
+  if (state_ != State::kRunning) return;
+  const TimePoint now = Clock::now();
+  DiscoveryOutput out;
+  offers_->Poll(now, out);
+  requests_->Poll(now, out);
+  Apply(out);
+  for (const auto& due : offered_events_.Poll(now)) {
+    const OfferedEvents::Event* event = offered_events_.Find(due.key, due.id);
+    SendNotification(due.key, due.id, offers_->Subscribers(due.key, event->eventgroups, now));
+  }
+  const std::size_t expired = reassembler_.Expire(now);
+  for (std::size_t i = 0; i < expired; ++i) drops_.Count(Drop::kReassemblyLimit, "time", now);
+  if (now >= next_flush_) {
+    queue_->Flush([this](const SendQueue::Target& target, const std::vector<std::uint8_t>& datagram) {
+      return sockets_.Send(target.first, target.second, datagram);
+    });
+    next_flush_ = now + kFlushInterval;
+  }
+  TimePoint next = std::min({offers_->NextDeadline(), requests_->NextDeadline(), offered_events_.NextDeadline()});
+  if (!queue_->Empty()) next = std::min(next, next_flush_);
+  if (!reassembler_.Empty()) next = std::min(next, now + Reassembler::kIdleLimit / 2);
+  if (next == kNever) next = now + std::chrono::hours(1);
+  timer_.expires_at(next);
+  timer_.async_wait([this](const boost::system::error_code& error) {
+    if (!error) Tick();
+  });
+}
+
+}  // namespace vsomeip_v3::embedded

@@ -1,0 +1,110 @@
+#include "embedded_stack/handlers.h"
+
+#include <array>
+
+#include "vsomeip/constants.hpp"
+
+namespace vsomeip_v3::embedded {
+
+namespace {
+
+// Puts a handler in the place of the former one, or of none if it is null.
+template <typename Function>
+void Replace(SlotPointer<Function>& slot, const Function& handler) {
+  if (slot) slot->registered = false;
+  slot = handler ? std::make_shared<Slot<Function>>(handler) : nullptr;
+}
+
+template <typename Map>
+void ClearSlots(Map& map) {
+  for (auto& [key, entry] : map) entry.slot->registered = false;
+  map.clear();
+}
+
+}  // namespace
+
+void Handlers::SetState(const state_handler_t& handler) { Replace(state_, handler); }
+
+void Handlers::SetMessage(const MessageKey& key, const message_handler_t& handler) {
+  SlotPointer<message_handler_t>& slot = messages_[key];
+  Replace(slot, handler);
+  if (!slot) messages_.erase(key);
+}
+
+SlotPointer<message_handler_t> Handlers::FindMessage(service_t service, instance_t instance, method_t method) const {
+  for (const service_t s : {service, ANY_SERVICE}) {
+    for (const instance_t i : {instance, ANY_INSTANCE}) {
+      for (const method_t m : {method, ANY_METHOD}) {
+        const auto found = messages_.find({s, i, m});
+        if (found != messages_.end()) return found->second;
+      }
+    }
+  }
+  return nullptr;
+}
+
+bool Handlers::Concerns(const AvailabilityKey& key, const Available& change) {
+  const auto& [service, instance, major, minor] = key;
+  return (service == ANY_SERVICE || service == change.service) &&
+         (instance == ANY_INSTANCE || instance == change.instance) && (major == ANY_MAJOR || major == change.major) &&
+         (minor == ANY_MINOR || minor <= change.minor);
+}
+
+SlotPointer<availability_handler_t> Handlers::SetAvailability(const AvailabilityKey& key,
+                                                              const availability_handler_t& handler,
+                                                              const std::vector<Available>& present) {
+  RemoveAvailability(key);
+  if (!handler) return nullptr;
+  AvailabilityEntry& entry = availability_[key];
+  Replace(entry.slot, handler);
+  for (const Available& instance : present) entry.available.insert({instance.service, instance.instance});
+  return entry.slot;
+}
+
+void Handlers::RemoveAvailability(const AvailabilityKey& key) {
+  const auto found = availability_.find(key);
+  if (found == availability_.end()) return;
+  found->second.slot->registered = false;
+  availability_.erase(found);
+}
+
+std::vector<SlotPointer<availability_handler_t>> Handlers::ChangeAvailability(const Available& change) {
+  std::vector<SlotPointer<availability_handler_t>> concerned;
+  const ServiceInstance key{change.service, change.instance};
+  for (auto& [handler_key, entry] : availability_) {
+    if (!Concerns(handler_key, change)) continue;
+    const bool is_change = change.available ? entry.available.insert(key).second : entry.available.erase(key) != 0;
+    if (is_change) concerned.push_back(entry.slot);
+  }
+  return concerned;
+}
+
+void Handlers::SetStatus(const StatusKey& key, const subscription_status_handler_t& handler, bool is_selective) {
+  StatusEntry& entry = status_[key];
+  Replace(entry.slot, handler);
+  entry.is_selective = is_selective;
+  if (!entry.slot) status_.erase(key);
+}
+
+std::vector<SlotPointer<subscription_status_handler_t>> Handlers::FindStatus(const StatusKey& key,
+                                                                             bool accepted) const {
+  std::vector<SlotPointer<subscription_status_handler_t>> found;
+  const auto& [service, instance, eventgroup, event] = key;
+  for (const auto& [handler_key, entry] : status_) {
+    const auto& [s, i, g, e] = handler_key;
+    const bool matches = (s == ANY_SERVICE || s == service) && (i == ANY_INSTANCE || i == instance) &&
+                         (g == ANY_EVENTGROUP || g == eventgroup) && (e == ANY_EVENT || e == event);
+    if (matches && (accepted || entry.is_selective)) found.push_back(entry.slot);
+  }
+  return found;
+}
+
+void Handlers::Clear() {
+  Replace(state_, state_handler_t());
+  for (auto& [key, slot] : messages_) slot->registered = false;
+  messages_.clear();
+  ClearSlots(availability_);
+  ClearSlots(status_);
+}
+
+}  // namespace vsomeip_v3::embedded
