@@ -41,7 +41,7 @@ class VSomeIPConnection::RequestedServiceInstance : public common::ServiceInstan
   /// No service, no request.
   RequestedServiceInstance() = default;
   /// Makes the request.
-  explicit RequestedServiceInstance(const common::ServiceInstance& service) : common::ServiceInstance(service) {
+  explicit RequestedServiceInstance(const common::ServiceInstance& requested) : common::ServiceInstance(requested) {
     instance_.DoRequestService(*this);
   }
   RequestedServiceInstance(const RequestedServiceInstance&) = delete;

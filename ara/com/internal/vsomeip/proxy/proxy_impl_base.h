@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+
+#include "platform/include/connection.h"
+#include "platform/include/service_instance.h"
+
+namespace ara::com::internal::vsomeip::proxy {
+
+/// What every SOME/IP proxy binding holds beside its fields: the request for its service instance. As a base class it
+/// is made before the first field and given back after the last, also when a field's construction fails.
+class ProxyImplBase {
+ public:
+  ProxyImplBase(const ProxyImplBase&) = delete;
+  ProxyImplBase& operator=(const ProxyImplBase&) = delete;
+
+ protected:
+  explicit ProxyImplBase(const common::ServiceInstance& service) : requested_(service) {}
+  virtual ~ProxyImplBase() { requested_.DropServiceInstance(); }
+
+  std::uint16_t InstanceId() const noexcept { return requested_.instance; }
+
+ private:
+  runtime::VSomeIPConnection::RequestedServiceInstance requested_;
+};
+
+}  // namespace ara::com::internal::vsomeip::proxy

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstdint>
+
+#include "core_types/optional.h"
+
+/// The records of the energysystem fields. Every member is optional; `enumerate` lists the members with their data ids,
+/// in the order in which they go on the wire. The interface model names no units.
+namespace kro::services::energysystem::datatypes {
+
+/// A high-voltage battery.
+struct DT_highVoltageBatteries_struct {
+  ara::core::Optional<std::uint32_t> member0;
+  ara::core::Optional<float> member1;
+  ara::core::Optional<std::uint32_t> member2;
+  ara::core::Optional<bool> member3;
+
+  template <typename Record, typename Enumerator>
+  static void enumerate(Record& record, Enumerator&& enumerator) {
+    enumerator(0, "member0", record.member0);
+    enumerator(1, "member1", record.member1);
+    enumerator(2, "member2", record.member2);
+    enumerator(3, "member3", record.member3);
+  }
+};
+
+/// A low-voltage battery.
+struct DT_lowVoltageBatteries_struct {
+  ara::core::Optional<std::uint32_t> member0;
+  ara::core::Optional<std::uint32_t> member1;
+  ara::core::Optional<std::uint32_t> member2;
+
+  template <typename Record, typename Enumerator>
+  static void enumerate(Record& record, Enumerator&& enumerator) {
+    enumerator(0, "member0", record.member0);
+    enumerator(1, "member1", record.member1);
+    enumerator(2, "member2", record.member2);
+  }
+};
+
+/// The state of the low-voltage system.
+struct DT_lowVoltageSystemInfo_struct {
+  ara::core::Optional<std::uint32_t> member0;
+  ara::core::Optional<std::uint32_t> member1;
+  ara::core::Optional<bool> member2;
+  ara::core::Optional<std::uint32_t> member3;
+
+  template <typename Record, typename Enumerator>
+  static void enumerate(Record& record, Enumerator&& enumerator) {
+    enumerator(0, "member0", record.member0);
+    enumerator(1, "member1", record.member1);
+    enumerator(2, "member2", record.member2);
+    enumerator(3, "member3", record.member3);
+  }
+};
+
+/// A notification of the energy system.
+struct DT_notifications_struct {
+  ara::core::Optional<std::uint32_t> member0;
+  ara::core::Optional<std::uint32_t> member1;
+
+  template <typename Record, typename Enumerator>
+  static void enumerate(Record& record, Enumerator&& enumerator) {
+    enumerator(0, "member0", record.member0);
+    enumerator(1, "member1", record.member1);
+  }
+};
+
+}  // namespace kro::services::energysystem::datatypes

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "ara/com/internal/vsomeip/common/field_descriptor.h"
+#include "interfaces/energysystem/energysystem_descriptors.h"
+
+namespace kro::services {
+
+/// The interfaces of which the library is the client.
+using ConsumedInterfaces =
+    ara::com::internal::vsomeip::common::TypeList<energysystem::energysystem_binding::vsomeip::descriptors::Interface>;
+
+}  // namespace kro::services
