@@ -1,0 +1,130 @@
+#include "platform/include/method_handler.h"
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <mutex>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "platform/include/connection.h"
+#include "platform/vsomeipbinding/stack_thread.h"
+
+namespace ara::com::internal::vsomeip::common {
+
+namespace {
+
+bool IsDead(const MethodHandler& handler) {
+  const auto* weak = handler.target<WeakMethodHandler>();
+  return weak != nullptr && weak->expired();
+}
+
+/// The handlers of one method of one service instance.
+struct Method {
+  using Handlers = std::vector<MethodHandler>;
+
+  /// Immutable and replaced as a whole, so that a message is dispatched without a lock and without a copy. Never null.
+  std::shared_ptr<const Handlers> handlers = std::make_shared<const Handlers>();
+  /// Registrations that have not been taken back. Which handler an unregistration means is not said: so the handlers
+  /// may be more than that, until the objects of those that are too many are gone.
+  std::size_t count = 0;
+
+  void Add(MethodHandler handler) {
+    auto changed = std::make_shared<Handlers>(*handlers);
+    changed->push_back(std::move(handler));
+    handlers = std::move(changed);
+  }
+
+  void Prune() {
+    if (handlers->size() <= count || std::none_of(handlers->begin(), handlers->end(), IsDead)) {
+      return;
+    }
+    auto alive = std::make_shared<Handlers>();
+    std::remove_copy_if(handlers->begin(), handlers->end(), std::back_inserter(*alive), IsDead);
+    handlers = std::move(alive);
+  }
+};
+
+class MethodTable {
+ public:
+  /// Never destroyed: static proxies take their registrations back at any time, and the stack may be dispatching.
+  static MethodTable& Get() {
+    static MethodTable& table = *new MethodTable;
+    return table;
+  }
+
+  void Register(std::uint16_t serviceId, std::uint16_t instanceId, std::uint16_t methodId, MethodHandler handler) {
+    const auto application = runtime::VSomeIPConnection::instance_.Application();
+    const std::lock_guard<std::mutex> lock(mutex_);
+    std::shared_ptr<Method>& method = methods_[{serviceId, instanceId, methodId}];
+    const bool is_first = method == nullptr;
+    if (is_first) {
+      method = std::make_shared<Method>();
+    }
+    method->Prune();
+    method->Add(std::move(handler));
+    ++method->count;
+    if (is_first) {
+      application->register_message_handler(
+          serviceId, instanceId, methodId,
+          [this, method](const std::shared_ptr<::vsomeip::message>& message) { Dispatch(*method, message); });
+    }
+  }
+
+  void Unregister(std::uint16_t serviceId, std::uint16_t instanceId, std::uint16_t methodId) {
+    std::shared_ptr<const Method::Handlers> dropped;  // destroyed without the lock: handlers may own objects
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const auto found = methods_.find({serviceId, instanceId, methodId});
+    if (found == methods_.end()) {
+      return;
+    }
+    Method& method = *found->second;
+    if (--method.count != 0) {
+      method.Prune();
+      return;
+    }
+    // Messages that are already on their way find no handler any more.
+    dropped = std::exchange(method.handlers, std::make_shared<const Method::Handlers>());
+    methods_.erase(found);
+    if (const auto application = runtime::StackThread::Get().Running()) {
+      application->unregister_message_handler(serviceId, instanceId, methodId);
+    }
+  }
+
+ private:
+  using Key = std::tuple<std::uint16_t, std::uint16_t, std::uint16_t>;
+
+  void Dispatch(Method& method, const std::shared_ptr<::vsomeip::message>& message) {
+    std::shared_ptr<const Method::Handlers> handlers;
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      method.Prune();
+      handlers = method.handlers;
+    }
+    for (const MethodHandler& handler : *handlers) {
+      handler(message);
+    }
+  }
+
+  // Guards methods_ and what they point to. Held while the stack is told, so that it hears of the first registration
+  // and the end of the last in their order; the stack never calls back from within.
+  std::mutex mutex_;
+  std::map<Key, std::shared_ptr<Method>> methods_;
+};
+
+}  // namespace
+
+// The stack has one handler per method, whichever side it is for: both sides share the list, and each handler tells by
+// the message's type whether it is meant.
+void registerMethodHandler(std::uint16_t serviceId, std::uint16_t instanceId, std::uint16_t methodId,
+                           MethodHandler handler, bool /*isField*/) {
+  MethodTable::Get().Register(serviceId, instanceId, methodId, std::move(handler));
+}
+
+void unregisterMethodHandler(std::uint16_t serviceId, std::uint16_t instanceId, std::uint16_t methodId,
+                             bool /*isField*/) {
+  MethodTable::Get().Unregister(serviceId, instanceId, methodId);
+}
+
+}  // namespace ara::com::internal::vsomeip::common

@@ -1,0 +1,101 @@
+#include "platform/vsomeipbinding/someip_binding.h"
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "platform/include/binding_registration.h"
+#include "platform/include/connection.h"
+#include "platform/include/runtime.h"
+#include "platform/include/transport_identifier.h"
+
+namespace ara::com::internal::vsomeip::runtime {
+
+namespace detail {
+
+/// VSomeIPServiceMapping::GetMappingForServiceId, which a library that carries services defines. A declaration of its
+/// own under the name that the compiler gives the function, because only this library looks at it weakly: so it can be
+/// loaded without any service.
+__attribute__((weak)) const VSomeIPServiceMapping::Mapping* LookUpMapping(std::uint16_t araServiceId) __asm__(
+    "_ZN3ara3com8internal7vsomeip7runtime21VSomeIPServiceMapping22GetMappingForServiceIdEt");
+
+}  // namespace detail
+
+namespace {
+
+const VSomeIPServiceMapping::Mapping* FindMapping(std::uint16_t araServiceId) {
+  return detail::LookUpMapping != nullptr ? detail::LookUpMapping(araServiceId) : nullptr;
+}
+
+}  // namespace
+
+void SomeIpBinding::Init() { VSomeIPConnection::instance_.Application(); }
+
+ServiceWatch* SomeIpBinding::Watch(std::uint16_t araServiceId) {
+  const auto* mapping = FindMapping(araServiceId);
+  if (mapping == nullptr) {
+    return nullptr;
+  }
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const auto found = watches_.find(araServiceId);
+  if (found != watches_.end()) {
+    return found->second;
+  }
+  return watches_.emplace(araServiceId, new ServiceWatch(*mapping)).first->second;
+}
+
+InstanceIdentifierContainer SomeIpBinding::FindService(std::uint16_t araServiceId, const InstanceIdentifier& instance) {
+  ServiceWatch* watch = Watch(araServiceId);
+  return watch != nullptr ? watch->Find(instance) : InstanceIdentifierContainer();
+}
+
+std::uint64_t SomeIpBinding::StartFindService(std::uint16_t araServiceId, const InstanceIdentifier& instance,
+                                              std::function<void(InstanceIdentifierContainer)> handler) {
+  ServiceWatch* watch = Watch(araServiceId);
+  if (watch == nullptr) {
+    return 0;
+  }
+  const std::uint64_t id = ++last_search_;
+  watch->AddSearch(id, instance, std::move(handler));
+  return id;
+}
+
+void SomeIpBinding::StopFindService(std::uint64_t search) {
+  std::vector<ServiceWatch*> watches;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    for (const auto& [service, watch] : watches_) {
+      watches.push_back(watch);
+    }
+  }
+  for (ServiceWatch* watch : watches) {
+    if (const auto taken = watch->TakeSearch(search)) {
+      taken->Stop();
+      return;
+    }
+  }
+}
+
+std::shared_ptr<internal::proxy::ProxyFactory> SomeIpBinding::GetProxyFactory(std::uint16_t araServiceId,
+                                                                              const InstanceIdentifier& instance) {
+  const auto* mapping = FindMapping(araServiceId);
+  const auto instance_id = common::ToTransportIdentifier(instance);
+  return mapping != nullptr && instance_id ? mapping->GetProxy(*instance_id) : nullptr;
+}
+
+void Register() {
+  static const bool registered = [] {
+    Runtime::RegisterBinding(std::make_unique<SomeIpBinding>());
+    return true;
+  }();
+  static_cast<void>(registered);
+}
+
+namespace {
+
+/// Makes the binding known when the library is loaded.
+[[maybe_unused]] const bool registered_on_load = (Register(), true);
+
+}  // namespace
+
+}  // namespace ara::com::internal::vsomeip::runtime

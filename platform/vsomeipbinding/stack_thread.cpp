@@ -1,0 +1,87 @@
+#include "platform/vsomeipbinding/stack_thread.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <exception>
+#include <stdexcept>
+#include <string>
+#include <unistd.h>
+
+#include "platform/vsomeipbinding/platform_log.h"
+
+namespace ara::com::internal::vsomeip::runtime {
+
+namespace {
+
+/// A handler of the application that never returns must not keep the process from ending.
+constexpr std::chrono::seconds kStopTimeout{3};
+
+/// The name that the stack's configuration knows this process by.
+std::string ApplicationName() {
+  const char* name = std::getenv("VSOMEIP_APPLICATION_NAME");
+  return name != nullptr && *name != '\0' ? name : "tarn7_" + std::to_string(::getpid());
+}
+
+}  // namespace
+
+StackThread& StackThread::Get() {
+  static StackThread& thread = *new StackThread;
+  return thread;
+}
+
+std::shared_ptr<::vsomeip::application> StackThread::Start() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (application_ != nullptr) {
+    return application_;
+  }
+  const std::string name = ApplicationName();
+  auto application = ::vsomeip::runtime::get()->create_application(name);
+  if (application == nullptr || !application->init()) {
+    throw std::runtime_error("The SOME/IP stack cannot be started for application '" + name + "'");
+  }
+  thread_ = std::thread([this, application] { Run(*application); });
+  application_ = std::move(application);
+  // Only now: what exits first was there last. So the stack's own static objects, which init() has made, are still
+  // there when it is stopped, and static proxies made from here on have been destroyed before.
+  std::atexit([] { Get().Stop(); });
+  return application_;
+}
+
+void StackThread::Run(::vsomeip::application& application) {
+  try {
+    application.start();
+  } catch (const std::exception& error) {
+    PlatformLog().LogError().WithLocation("vsomeipbinding/stack_thread", __func__, __LINE__)
+        << "The SOME/IP stack has failed: " << error.what();
+  }
+  const std::lock_guard<std::mutex> lock(mutex_);
+  finished_ = true;
+  has_finished_.notify_all();
+}
+
+std::shared_ptr<::vsomeip::application> StackThread::Running() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return stopped_ ? nullptr : application_;
+}
+
+void StackThread::Stop() {
+  std::unique_lock<std::mutex> lock(mutex_);
+  if (application_ == nullptr || stopped_) {
+    return;
+  }
+  stopped_ = true;
+  lock.unlock();
+  application_->stop();  // not replaced any more; handlers that run now may want the lock
+  lock.lock();
+  const bool finished = has_finished_.wait_for(lock, kStopTimeout, [this] { return finished_; });
+  lock.unlock();
+  if (finished) {
+    thread_.join();
+    return;
+  }
+  PlatformLog().LogWarn().WithLocation("vsomeipbinding/stack_thread", __func__, __LINE__)
+      << "The SOME/IP stack does not stop: a handler still runs";
+  thread_.detach();
+}
+
+}  // namespace ara::com::internal::vsomeip::runtime

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+#include <vsomeip/vsomeip.hpp>
+
+namespace ara::com::internal::vsomeip::runtime {
+
+/// The application object and the thread that it serves the network on. Never destroyed: objects that outlive the stop
+/// at exit may still ask for it. All operations may be called from any thread.
+class StackThread {
+ public:
+  static StackThread& Get();
+
+  /// The application object, which the first call starts. Throws std::runtime_error when it cannot be started; the next
+  /// call tries again. After Stop() it is the stopped one.
+  std::shared_ptr<::vsomeip::application> Start();
+  /// The application object between Start() and Stop(); null before and after.
+  std::shared_ptr<::vsomeip::application> Running();
+  /// Stops the application and waits for its thread, for a limited time. Called when the process exits.
+  void Stop();
+
+ private:
+  StackThread() = default;
+  void Run(::vsomeip::application& application);
+
+  std::mutex mutex_;  // guards the members below
+  std::shared_ptr<::vsomeip::application> application_;
+  bool stopped_ = false;
+  bool finished_ = false;  // the thread has left the application
+  std::condition_variable has_finished_;
+  std::thread thread_;
+};
+
+}  // namespace ara::com::internal::vsomeip::runtime
