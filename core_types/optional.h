@@ -96,8 +96,17 @@ template <typename T>
 bool operator==(const Optional<T>& left, const Optional<T>& right) {
   return left.has_value() == right.has_value() && (!left.has_value() || *left == *right);
 }
+/// Whether the value is there and equals `right`.
+template <typename T>
+bool operator==(const Optional<T>& left, const T& right) {
+  return left.has_value() && *left == right;
+}
 template <typename T>
 bool operator!=(const Optional<T>& left, const Optional<T>& right) {
+  return !(left == right);
+}
+template <typename T>
+bool operator!=(const Optional<T>& left, const T& right) {
   return !(left == right);
 }
 

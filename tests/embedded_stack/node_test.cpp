@@ -1,0 +1,233 @@
+// Applications in one process: each is a node of its own, so all of this goes over the network.
+#include <atomic>
+
+#include "tests/embedded_stack/test_node.h"
+
+namespace embedded_stack_test {
+namespace {
+
+using vsomeip::return_code_e;
+
+TEST(NodeTest, ProviderAndClientInOneApplication) {
+  Node app("both");
+  Record<Bytes> responses;
+  Record<Bytes> values;
+  Record<std::uint16_t> status;
+  app->register_message_handler(kService, 1, kGet, [&](const std::shared_ptr<vsomeip::message>& message) {
+    if (message->get_message_type() != vsomeip::message_type_e::MT_REQUEST) return responses.Add(BytesOf(*message));
+    const auto response = vsomeip::runtime::get()->create_response(message);
+    response->set_payload(MakePayload({4, 2}));
+    app->send(response);
+  });
+  app->register_message_handler(kService, 1, kField, [&](const auto& message) { values.Add(BytesOf(*message)); });
+  app->register_subscription_status_handler(kService, 1, kGroup, kField,
+                                            [&](auto, auto, auto, auto, std::uint16_t code) { status.Add(code); });
+  Record<bool> availability;
+  app->register_availability_handler(kService, 1, [&](auto, auto, bool is) { availability.Add(is); });
+  app->request_service(kService, 1);
+  app->request_event(kService, 1, kField, {kGroup}, vsomeip::event_type_e::ET_FIELD);
+  app->subscribe(kService, 1, kGroup, kMajor, kField);
+  app->offer_event(kService, 1, kField, {kGroup}, vsomeip::event_type_e::ET_FIELD);
+  app->offer_service(kService, 1, kMajor);
+  app->notify(kService, 1, kField, MakePayload({9}));
+  app.Start();
+
+  ASSERT_TRUE(availability.WaitForLast(true));
+  EXPECT_TRUE(status.WaitForLast(0));
+  EXPECT_TRUE(values.WaitForLast({9}));
+  const auto request = vsomeip::runtime::get()->create_request();
+  request->set_service(kService);
+  request->set_instance(1);
+  request->set_method(kGet);
+  request->set_interface_version(kMajor);
+  app->send(request);
+  EXPECT_TRUE(responses.WaitForLast({4, 2}));
+  app->stop_offer_service(kService, 1);
+  EXPECT_TRUE(availability.WaitForLast(false));
+  EXPECT_FALSE(app->is_available(kService, 1));
+}
+
+TEST(NodeTest, InstancesOfOneServiceInOneApplicationAreToldApart) {
+  Provider provider({1});
+  provider.Offer(2, {2});
+  Client first(1);
+  Client second(2);
+  for (Client* client : {&first, &second}) ASSERT_TRUE(client->availability.WaitForLast(true));
+  EXPECT_EQ(first.Call(kGet).bytes, Bytes{1});
+  EXPECT_EQ(second.Call(kGet).bytes, Bytes{2});
+  second.Subscribe();
+  EXPECT_TRUE(second.values.WaitForLast({2}));
+}
+
+TEST(NodeTest, RequestIdsCountUpAndAreKnownAfterSend) {
+  Provider provider({1});
+  Client client;
+  ASSERT_TRUE(client.availability.WaitForLast(true));
+  const vsomeip::request_t first = client.Send(kGet);
+  EXPECT_EQ(first >> 16U, client->get_client());
+  EXPECT_EQ(client.Send(kGet), first + 1);
+  EXPECT_EQ(client.Call(kGet).request, first + 2);
+}
+
+TEST(NodeTest, WrongVersionIsAnsweredAndUnknownMethodIsNot) {
+  Provider provider({1});
+  Client client;
+  ASSERT_TRUE(client.availability.WaitForLast(true));
+  const vsomeip::request_t unanswered = client.Send(0x0099);
+  EXPECT_EQ(client.Call(kGet, {}, kMajor + 1).code, return_code_e::E_WRONG_INTERFACE_VERSION);
+  EXPECT_EQ(client.Call(kGet).code, return_code_e::E_OK);
+  for (const auto& reply : client.replies.Items()) EXPECT_NE(reply.request, unanswered);
+}
+
+TEST(NodeTest, SubscriptionToAnUnknownEventgroupIsRejectedUntilItIsThere) {
+  Node provider("late");
+  provider->offer_service(kService, 1, kMajor);
+  provider.Start();
+  Client client;
+  client.Subscribe();
+  ASSERT_TRUE(client.status.WaitForLast(7));
+  provider->offer_event(kService, 1, kField, {kGroup}, vsomeip::event_type_e::ET_FIELD);
+  EXPECT_TRUE(client.status.WaitForLast(0));
+}
+
+TEST(NodeTest, FieldSendsChangesOnlyUnlessForced) {
+  Provider provider({1});
+  Client client;
+  client.Subscribe();
+  ASSERT_TRUE(client.values.WaitForCount(1));
+  provider.Notify({1});  // unchanged
+  provider.Notify({2});
+  provider->notify(kService, 1, kField, MakePayload({2}), true);
+  provider.Notify({3});
+  ASSERT_TRUE(client.values.WaitForLast({3}));
+  EXPECT_EQ(client.values.Items(), (std::vector<Bytes>{{1}, {2}, {2}, {3}}));
+}
+
+TEST(NodeTest, SecondEventOfAnEventgroupGetsItsValueToo) {
+  constexpr vsomeip::event_t kOther = kField + 1;
+  Provider provider({1});
+  provider->offer_event(kService, 1, kOther, {kGroup}, vsomeip::event_type_e::ET_FIELD);
+  provider->notify(kService, 1, kOther, MakePayload({5}));
+  Client client;
+  client.Subscribe();
+  ASSERT_TRUE(client.values.WaitForLast({1}));
+  Record<std::uint16_t> status;
+  client->register_subscription_status_handler(kService, 1, kGroup, kOther,
+                                               [&](auto, auto, auto, auto, std::uint16_t code) { status.Add(code); });
+  client->request_event(kService, 1, kOther, {kGroup}, vsomeip::event_type_e::ET_FIELD);
+  client->subscribe(kService, 1, kGroup, kMajor, kOther);
+  EXPECT_TRUE(client.values.WaitForLast({5}));
+  EXPECT_TRUE(status.WaitForLast(0));
+
+  client->unsubscribe(kService, 1, kGroup, kOther);
+  provider->notify(kService, 1, kOther, MakePayload({6}));
+  provider.Notify({2});
+  EXPECT_TRUE(client.values.WaitForLast({2}));
+  for (const Bytes& value : client.values.Items()) EXPECT_NE(value, Bytes{6});
+}
+
+TEST(NodeTest, CyclicEventRepeatsItsValue) {
+  Node provider("cyclic");
+  provider->offer_event(kService, 1, kField, {kGroup}, vsomeip::event_type_e::ET_EVENT, 5ms, false, false);
+  provider->offer_service(kService, 1, kMajor);
+  provider.Start();
+  Client client;
+  client.Subscribe();
+  ASSERT_TRUE(client.status.WaitForLast(0));
+  provider->notify(kService, 1, kField, MakePayload({7}));
+  EXPECT_TRUE(client.values.WaitForCount(3));
+}
+
+TEST(NodeTest, TenClientsAtOneProvider) {
+  Provider provider({1});
+  std::vector<std::unique_ptr<Client>> clients;
+  for (int i = 0; i < 10; ++i) {
+    clients.push_back(std::make_unique<Client>());
+    clients.back()->Subscribe();
+  }
+  for (auto& client : clients) ASSERT_TRUE(client->values.WaitForLast({1}));
+  provider.Notify(Bytes(20000, 8));
+  for (auto& client : clients) EXPECT_TRUE(client->values.WaitForLast(Bytes(20000, 8)));
+  for (std::size_t i = 0; i < clients.size(); ++i) {
+    const auto byte = static_cast<vsomeip::byte_t>(i);
+    EXPECT_EQ(clients[i]->Call(kReverse, {byte, 100}).bytes, (Bytes{100, byte}));
+  }
+}
+
+TEST(NodeTest, BlockedHandlerStopsNeitherDiscoveryNorOtherHandlers) {
+  Provider provider({1});
+  std::promise<void> entered;
+  std::promise<void> release;
+  provider->register_message_handler(kService, 1, 0x0050, [&](const auto&) {
+    entered.set_value();
+    release.get_future().wait();
+  });
+  Client client;
+  ASSERT_TRUE(client.availability.WaitForLast(true));
+  client.Send(0x0050);
+  ASSERT_EQ(entered.get_future().wait_for(10s), std::future_status::ready);
+
+  Client newcomer;  // is found, subscribed and sent the value by the I/O thread, and served by another handler thread
+  newcomer.Subscribe();
+  EXPECT_TRUE(newcomer.values.WaitForLast({1}));
+  EXPECT_EQ(newcomer.Call(kGet).bytes, Bytes{1});
+  release.set_value();
+}
+
+TEST(NodeTest, StopWaitsForARunningHandlerAndForgetsTheRest) {
+  auto client = std::make_unique<Client>();
+  Provider provider({1});
+  ASSERT_TRUE(client->availability.WaitForLast(true));
+  std::promise<void> entered;
+  std::atomic<int> calls{0};
+  std::atomic<bool> stopped{false};
+  std::atomic<bool> called_after_stop{false};
+  (*client)->register_message_handler(kService, 1, kReverse, [&](const auto&) {
+    if (stopped) called_after_stop = true;
+    if (++calls == 1) entered.set_value();
+  });
+  for (int i = 0; i < 200; ++i) client->Send(kReverse, {1});
+  ASSERT_EQ(entered.get_future().wait_for(10s), std::future_status::ready);
+  const auto begin = std::chrono::steady_clock::now();
+  (*client)->stop();
+  stopped = true;
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, 1s);
+  for (int i = 0; i < 50; ++i) provider.Notify({static_cast<vsomeip::byte_t>(i)});
+  client.reset();
+  EXPECT_FALSE(called_after_stop);
+}
+
+TEST(NodeTest, StopFromAHandlerAndStopBeforeStart) {
+  const auto runtime = vsomeip::runtime::get();
+  const auto app = runtime->create_application("stopper");
+  ASSERT_TRUE(app->init());
+  app->stop();
+  app->start();  // returns at once
+
+  ASSERT_TRUE(app->init());
+  app->register_state_handler([&app](vsomeip::state_type_e) { app->stop(); });
+  app->start();  // returns because the handler stops it
+  SUCCEED();
+}
+
+TEST(NodeTest, PayloadAboveTheLimitIsNotSent) {
+  Provider provider({1});
+  Client client;
+  ASSERT_TRUE(client.availability.WaitForLast(true));
+  const vsomeip::request_t too_large = client.Send(kReverse, Bytes((16U << 20U) + 1));
+  EXPECT_EQ(client.Call(kReverse, {1, 2}).bytes, (Bytes{2, 1}));
+  EXPECT_EQ(client.replies.Items().front().request, too_large + 1);
+}
+
+TEST(NodeTest, LargestPayloadMakesTheRoundTrip) {
+  Provider provider({1});
+  Client client;
+  ASSERT_TRUE(client.availability.WaitForLast(true));
+  Bytes bytes(16U << 20U);
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<vsomeip::byte_t>(i * 31 >> 8U);
+  const Client::Reply reply = client.Call(kReverse, bytes, kMajor, 60s);
+  EXPECT_TRUE(reply.bytes == Bytes(bytes.rbegin(), bytes.rend()));
+}
+
+}  // namespace
+}  // namespace embedded_stack_test

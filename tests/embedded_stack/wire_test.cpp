@@ -1,0 +1,173 @@
+#include <gtest/gtest.h>
+
+#include "embedded_stack/wire/discovery_message.h"
+#include "embedded_stack/wire/message_header.h"
+#include "embedded_stack/wire/transport_segment.h"
+
+namespace vsomeip_v3::embedded {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+const Bytes kHeader{0x12, 0x34, 0x80, 0x05, 0x00, 0x00, 0x00, 0x0A, 0xCA, 0xFE, 0x00, 0x2A, 0x01, 0x07, 0x81, 0x09};
+
+TEST(HeaderTest, EveryFieldBothWays) {
+  const auto header = DecodeHeader(kHeader);
+  ASSERT_TRUE(header);
+  EXPECT_EQ(header->service, 0x1234);
+  EXPECT_EQ(header->method, 0x8005);
+  EXPECT_EQ(header->length, 10U);
+  EXPECT_EQ(header->client, 0xCAFE);
+  EXPECT_EQ(header->session, 0x002A);
+  EXPECT_EQ(header->protocol_version, 1);
+  EXPECT_EQ(header->interface_version, 7);
+  EXPECT_EQ(header->Type(), message_type_e::MT_ERROR);
+  EXPECT_EQ(header->return_code, 9);
+  Bytes out;
+  EncodeHeader(*header, 2, out);
+  EXPECT_EQ(out, kHeader);
+  for (std::size_t size = 0; size < kHeader.size(); ++size) EXPECT_FALSE(DecodeHeader({kHeader.data(), size})) << size;
+}
+
+TEST(SegmentTest, CutsAtMultiplesOfSixteenAndMarksTheLast) {
+  MessageHeader header;
+  header.type = 0x02;
+  Bytes payload(1392 + 3, 0xEE);
+  payload[1392] = 0x01;
+  const Bytes first = EncodeSegment(header, payload, 0);
+  ASSERT_EQ(first.size(), 16U + 4 + 1392);
+  EXPECT_EQ(Bytes(first.begin() + 4, first.begin() + 8), (Bytes{0, 0, 0x05, 0x7C}));  // 8 + 4 + 1392
+  EXPECT_EQ(first[14], 0x22);
+  EXPECT_EQ(Bytes(first.begin() + 16, first.begin() + 20), (Bytes{0, 0, 0, 0x01}));
+  const Bytes last = EncodeSegment(header, payload, 1392);
+  EXPECT_EQ(Bytes(last.begin() + 16, last.end()), (Bytes{0, 0, 0x05, 0x70, 0x01, 0xEE, 0xEE}));
+}
+
+TEST(SegmentTest, Decode) {
+  const Bytes last{0x00, 0x00, 0x05, 0x70, 0xAA};
+  const auto segment = DecodeSegment(last);
+  ASSERT_TRUE(segment);
+  EXPECT_EQ(segment->offset, 1392U);
+  EXPECT_FALSE(segment->more);
+  EXPECT_EQ(segment->bytes.size(), 1U);
+  for (std::size_t size = 0; size < last.size(); ++size) EXPECT_FALSE(DecodeSegment({last.data(), size})) << size;
+  EXPECT_FALSE(DecodeSegment(Bytes{0, 0, 0, 1, 0xAA}));  // more follow, but not on a multiple of 16
+}
+
+const Bytes kOffer{0xFF, 0xFF, 0x81, 0x00, 0x00, 0x00, 0x00, 0x30, 0x00, 0x00, 0x00, 0x05, 0x01, 0x01, 0x02, 0x00,
+                   0xC0, 0x00, 0x00, 0x00,                          // flags: reboot, unicast
+                   0x00, 0x00, 0x00, 0x10,                          // length of the entries
+                   0x01, 0x00, 0x00, 0x10, 0x47, 0x11, 0x00, 0x02,  // offer, one option, service, instance
+                   0x03, 0x00, 0x00, 0x1E, 0x00, 0x00, 0x00, 0x07,  // major, time to live, minor
+                   0x00, 0x00, 0x00, 0x0C,                          // length of the options
+                   0x00, 0x09, 0x04, 0x00, 0x7F, 0x4D, 0x01, 0x02, 0x00, 0x11, 0x77, 0x2D};
+
+TEST(DiscoveryMessageTest, OfferBothWays) {
+  const auto message = DecodeDiscovery(kOffer);
+  ASSERT_TRUE(message);
+  EXPECT_EQ(message->session, 5);
+  EXPECT_TRUE(message->reboot);
+  ASSERT_EQ(message->entries.size(), 1U);
+  const DiscoveryEntry& offer = message->entries[0];
+  EXPECT_EQ(offer.type, EntryType::kOffer);
+  EXPECT_EQ(offer.service, 0x4711);
+  EXPECT_EQ(offer.instance, 2);
+  EXPECT_EQ(offer.major, 3);
+  EXPECT_EQ(offer.ttl, 30U);
+  EXPECT_EQ(offer.minor, 7U);
+  EXPECT_EQ(offer.udp, (Endpoint{0x7F4D0102, 30509}));
+  EXPECT_FALSE(offer.bad_options);
+  EXPECT_EQ(EncodeDiscovery(*message), kOffer);
+}
+
+TEST(DiscoveryMessageTest, SubscribeAndAcknowledgeShareNothingButTheirEntryFormat) {
+  const Bytes bytes{0xFF, 0xFF, 0x81, 0x00, 0x00, 0x00, 0x00, 0x40, 0x00, 0x00, 0x00, 0x06, 0x01, 0x01, 0x02, 0x00,
+                    0x40, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x20,
+                    0x06, 0x00, 0x00, 0x10, 0x47, 0x11, 0x00, 0x02, 0x03, 0x00, 0x00, 0x03, 0x00, 0x0B, 0x00, 0x21,
+                    0x07, 0x00, 0x00, 0x00, 0x47, 0x11, 0x00, 0x02, 0x03, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x22,
+                    0x00, 0x00, 0x00, 0x0C, 0x00, 0x09, 0x04, 0x00, 0x7F, 0x00, 0x00, 0x01, 0x00, 0x11, 0x12, 0x34};
+  const auto message = DecodeDiscovery(bytes);
+  ASSERT_TRUE(message);
+  EXPECT_FALSE(message->reboot);
+  ASSERT_EQ(message->entries.size(), 2U);
+  EXPECT_EQ(message->entries[0].type, EntryType::kSubscribe);
+  EXPECT_EQ(message->entries[0].eventgroup, 0x21);
+  EXPECT_EQ(message->entries[0].counter, 0x0B);
+  EXPECT_EQ(message->entries[0].udp, (Endpoint{0x7F000001, 0x1234}));
+  EXPECT_EQ(message->entries[1].type, EntryType::kAcknowledge);
+  EXPECT_EQ(message->entries[1].ttl, 0U);
+  EXPECT_EQ(message->entries[1].eventgroup, 0x22);
+  EXPECT_FALSE(message->entries[1].udp);
+  EXPECT_EQ(EncodeDiscovery(*message), bytes);
+}
+
+TEST(DiscoveryMessageTest, EqualOptionsAreWrittenOnce) {
+  DiscoveryMessage message;
+  message.session = 1;
+  for (const port_t port : {port_t{1}, port_t{2}, port_t{1}}) {
+    DiscoveryEntry entry;
+    entry.udp = Endpoint{0x7F000001, port};
+    message.entries.push_back(entry);
+  }
+  const Bytes bytes = EncodeDiscovery(message);
+  EXPECT_EQ(bytes.size(), 16U + 4 + 4 + 3 * 16 + 4 + 2 * 12);
+  EXPECT_EQ(DecodeDiscovery(bytes)->entries[2].udp, (Endpoint{0x7F000001, 1}));
+}
+
+TEST(DiscoveryMessageTest, EveryPrefixIsRefused) {
+  for (std::size_t size = 0; size < kOffer.size(); ++size) EXPECT_FALSE(DecodeDiscovery({kOffer.data(), size})) << size;
+  // Even if the length field of the header goes along.
+  for (std::size_t size = 16; size < kOffer.size(); ++size) {
+    Bytes prefix(kOffer.begin(), kOffer.begin() + static_cast<std::ptrdiff_t>(size));
+    prefix[7] = static_cast<std::uint8_t>(size - 8);
+    EXPECT_FALSE(DecodeDiscovery(prefix)) << size;
+  }
+}
+
+TEST(DiscoveryMessageTest, HostileBytes) {
+  enum Expectation { kRefused, kNoEntry, kBadOptions, kNoEndpoint };
+  struct Case {
+    const char* what;
+    std::size_t at;
+    std::uint8_t byte;
+    Expectation expected;
+  };
+  const Case cases[] = {
+      {"service", 1, 0xFE, kRefused},
+      {"method", 3, 0x01, kRefused},
+      {"length too small", 7, 0x2F, kRefused},
+      {"session 0", 11, 0x00, kRefused},
+      {"protocol version", 12, 0x02, kRefused},
+      {"message type", 14, 0x00, kRefused},
+      {"return code", 15, 0x01, kRefused},
+      {"entries beyond the message", 20, 0xFF, kRefused},
+      {"entries that are no multiple of 16", 23, 0x0F, kRefused},
+      {"options beyond the message", 40, 0xFF, kRefused},
+      {"options one byte beyond", 43, 0x0D, kRefused},
+      {"unknown entry", 24, 0x55, kNoEntry},
+      {"first run starts behind the last option", 25, 0x02, kBadOptions},
+      {"first run starts far behind", 25, 0xFF, kBadOptions},
+      {"first run too long", 27, 0x20, kBadOptions},
+      {"second run too long", 27, 0x12, kBadOptions},
+      {"option longer than the array", 45, 0x0A, kBadOptions},
+      {"option much longer", 44, 0xFF, kBadOptions},
+      {"option too short for its type", 45, 0x08, kBadOptions},
+      {"unknown option", 46, 0x77, kNoEndpoint},
+      {"TCP only", 53, 0x06, kNoEndpoint},
+      {"no option", 27, 0x00, kNoEndpoint},
+  };
+  for (const Case& test : cases) {
+    Bytes bytes = kOffer;
+    bytes[test.at] = test.byte;
+    const auto message = DecodeDiscovery(bytes);
+    ASSERT_EQ(message.has_value(), test.expected != kRefused) << test.what;
+    if (!message) continue;
+    ASSERT_EQ(message->entries.size(), test.expected == kNoEntry ? 0U : 1U) << test.what;
+    if (test.expected == kNoEntry) continue;
+    EXPECT_EQ(message->entries[0].bad_options, test.expected == kBadOptions) << test.what;
+    if (test.expected == kNoEndpoint) EXPECT_FALSE(message->entries[0].udp) << test.what;
+  }
+}
+
+}  // namespace
+}  // namespace vsomeip_v3::embedded
