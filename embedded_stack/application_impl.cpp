@@ -287,6 +287,10 @@ void ApplicationImpl::send(std::shared_ptr<message> message) {
     return;
   }
   const Lock lock(mutex_);
+  if (IsRequest(own->get_message_type())) {  // whatever becomes of it
+    own->set_client(client_);
+    own->set_session(NextSession());
+  }
   if (state_ != State::kRunning) {
     log_->Warning("send() before start() or after stop(): message dropped");
   } else if (own->get_payload()->get_length() > kMaxPayload) {
@@ -308,9 +312,7 @@ SharedBytes BytesOf(const payload& payload) {
 }
 }  // namespace
 
-void ApplicationImpl::SendRequest(MessageImpl& request) {
-  request.set_client(client_);
-  request.set_session(NextSession());
+void ApplicationImpl::SendRequest(const MessageImpl& request) {
   const Requests::Instance* instance = requests_->Find({request.get_service(), request.get_instance()});
   if (instance == nullptr) {
     log_->Warning(NameOf(request.get_service(), request.get_instance()), " is not available: request to ",

@@ -92,7 +92,7 @@ class ApplicationImpl final : public application, public std::enable_shared_from
   void CreateTables(const Configuration& configuration);
   void StopTables(DiscoveryOutput& out);
   std::size_t ChooseSocket(const ServiceInstance& key);
-  void SendRequest(MessageImpl& request);
+  void SendRequest(const MessageImpl& request);
   void SendResponse(const MessageImpl& response);
   session_t NextSession();
 

@@ -34,7 +34,8 @@ Reassembler::Result Reassembler::Add(const Endpoint& from, const MessageHeader& 
 bool Reassembler::Accept(Message& message, const Segment& segment) {
   const auto end = static_cast<std::uint32_t>(segment.offset + segment.bytes.size());
   if (!segment.more) {
-    if (message.size && *message.size != end) return false;
+    const bool beyond = message.bytes.size() > end || (!message.early.empty() && message.early.rbegin()->first >= end);
+    if (beyond || (message.size && *message.size != end)) return false;
     message.size = end;
   }
   if (message.size && end > *message.size) return false;

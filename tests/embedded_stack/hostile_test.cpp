@@ -1,9 +1,8 @@
 // Packets that no well-behaved node sends, written by hand and sent from a plain socket.
 #include <arpa/inet.h>
+#include <random>
 #include <sys/socket.h>
 #include <unistd.h>
-
-#include <random>
 
 #include "tests/embedded_stack/test_node.h"
 
@@ -74,14 +73,26 @@ TEST(HostileTest, WrongRequestsAreAnsweredOrDropped) {
   };
   const Case cases[] = {
       {"unknown service", Request({0x47, 0x12}), 0x02},
-      {"unknown service, nothing to be returned", [] { Bytes b = Request({0x47, 0x12}); b[14] = 1; return b; }(), -1},
+      {"unknown service, nothing to be returned",
+       [] {
+         Bytes b = Request({0x47, 0x12});
+         b[14] = 1;
+         return b;
+       }(),
+       -1},
       {"unknown method", Request({0x77}, 3), -1},
       {"protocol version", Request({0x02}, 12), 0x07},
       {"interface version", Request({0x04}, 13), 0x08},
       {"length beyond the datagram", Request({9}, 7), 0x09},
       {"length below the header", Request({7}, 7), 0x09},
       {"length 0", Request({0}, 7), -1},
-      {"a malformed response is no request", [] { Bytes b = Request({9}, 7); b[14] = 0x80; return b; }(), -1},
+      {"a malformed response is no request",
+       [] {
+         Bytes b = Request({9}, 7);
+         b[14] = 0x80;
+         return b;
+       }(),
+       -1},
       {"message type that does not exist", Request({0x13}, 14), -1},
       {"response that nobody waits for", Request({0x80}, 14), -1},
       {"header cut off", Bytes(15, 0), -1},
@@ -100,8 +111,7 @@ TEST(HostileTest, WrongRequestsAreAnsweredOrDropped) {
       EXPECT_EQ(intruder.Receive(), expected) << test.what;
     }
     intruder.Send(AddressOf(provider), kDataPort, valid);  // whatever was not answered shows by its absence
-    EXPECT_EQ(intruder.Receive(),
-              (Bytes{0x47, 0x11, 0, 0x10, 0, 0, 0, 9, 0x12, 0x34, 0, 1, 1, 3, 0x80, 0, 0xAB}))
+    EXPECT_EQ(intruder.Receive(), (Bytes{0x47, 0x11, 0, 0x10, 0, 0, 0, 9, 0x12, 0x34, 0, 1, 1, 3, 0x80, 0, 0xAB}))
         << test.what;
   }
   Bytes two = valid;
@@ -119,8 +129,9 @@ TEST(HostileTest, GarbageBesideNormalTrafficDoesNoHarm) {
   ASSERT_TRUE(client.values.WaitForLast({1}));
   const Intruder data;
   const Intruder discovery(kDiscoveryPort);
-  Bytes offer{0xFF, 0xFF, 0x81, 0x00, 0, 0, 0, 48, 0, 0, 0,    1,    1,    1,    2,    0,    0xC0, 0, 0, 0, 0, 0, 0, 16, 1, 0, 0, 0x10,
-              0x47, 0x12, 0,    1,    3, 0, 0, 3,  0, 0, 0, 0, 0, 0, 0, 12, 0, 9, 4, 0, 127, 0, 0, 99, 0, 0x11, 0x10, 0};
+  Bytes offer{0xFF, 0xFF, 0x81, 0x00, 0,  0,  0, 48, 0,    0,    0,    1, 1, 1,  2, 0,    0xC0, 0, 0,
+              0,    0,    0,    0,    16, 1,  0, 0,  0x10, 0x47, 0x12, 0, 1, 3,  0, 0,    3,    0, 0,
+              0,    0,    0,    0,    0,  12, 0, 9,  4,    0,    127,  0, 0, 99, 0, 0x11, 0x10, 0};
   Bytes segment = Request({0x20}, 14);
   segment[7] = 28;
   segment.insert(segment.end(), {0, 0, 0, 1});
