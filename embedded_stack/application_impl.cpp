@@ -126,6 +126,7 @@ void ApplicationImpl::Serve() {
 }
 
 void ApplicationImpl::stop() {
+  const auto self = shared_from_this();  // start() returns first, and that may have been the last owner
   {
     const Lock lock(mutex_);
     if (state_ == State::kReady) stop_requested_ = true;
