@@ -15,17 +15,26 @@ struct State {
   std::mutex lock;  // guards continuation
   RunningCalls running;
 
-  /// Runs the continuation, if there is one, at most once. It is called with no lock of this object held.
-  void RunContinuation() {
+  /// Stores the result through `store` and runs the continuation, at most once, with no lock of this object held. One
+  /// that is there when this begins runs whatever happens meanwhile: its Future's destructor waits. One that comes
+  /// later finds either the result or, here, the second look.
+  template <typename Store>
+  void Complete(Store store) {
     const RunningCalls::Scope scope(running);
-    std::function<void()> taken;
-    {
-      const std::lock_guard<std::mutex> guard(lock);
-      taken.swap(continuation);
-    }
+    const auto taken = Take();
+    store();
     if (taken) {
       taken();
     }
+    if (const auto late = Take()) {
+      late();
+    }
+  }
+
+ private:
+  std::function<void()> Take() {
+    const std::lock_guard<std::mutex> guard(lock);
+    return std::exchange(continuation, nullptr);
   }
 };
 

@@ -34,8 +34,10 @@ class Promise {
   /// `promise_already_satisfied` the second time (the first result stays), `no_state` when moved from.
   void SetResult(Result<T, E>&& result) {
     const internal::HolderGuard guard(mutex_, lock_);
-    promise_.set_value(std::move(result));
-    state_->RunContinuation();
+    if (state_ == nullptr) {
+      throw std::future_error(std::future_errc::no_state);
+    }
+    state_->Complete([&] { promise_.set_value(std::move(result)); });
   }
   void SetError(E&& error) { SetResult(Result<T, E>(std::move(error))); }
 

@@ -57,19 +57,18 @@ class MethodTable {
   void Register(std::uint16_t serviceId, std::uint16_t instanceId, std::uint16_t methodId, MethodHandler handler) {
     const auto application = runtime::VSomeIPConnection::instance_.Application();
     const std::lock_guard<std::mutex> lock(mutex_);
-    std::shared_ptr<Method>& method = methods_[{serviceId, instanceId, methodId}];
-    const bool is_first = method == nullptr;
-    if (is_first) {
-      method = std::make_shared<Method>();
-    }
-    method->Prune();
-    method->Add(std::move(handler));
-    ++method->count;
-    if (is_first) {
+    auto found = methods_.find({serviceId, instanceId, methodId});
+    if (found == methods_.end()) {
+      const auto method = std::make_shared<Method>();
       application->register_message_handler(
           serviceId, instanceId, methodId,
           [this, method](const std::shared_ptr<::vsomeip::message>& message) { Dispatch(*method, message); });
+      found = methods_.emplace(Key{serviceId, instanceId, methodId}, method).first;
     }
+    Method& method = *found->second;
+    method.Prune();
+    method.Add(std::move(handler));
+    ++method.count;
   }
 
   void Unregister(std::uint16_t serviceId, std::uint16_t instanceId, std::uint16_t methodId) {

@@ -1,0 +1,192 @@
+#include "ara/com/internal/vsomeip/proxy/vsomeip_method_impl_delegate.h"
+#include "core_types/com_error_domain.h"
+#include "tests/proxy/proxy_fixture.h"
+
+namespace {
+
+using namespace proxy_test;
+using ara::com::ComErrc;
+using ara::core::future_errc;
+using ::testing::HasSubstr;
+using ::vsomeip::message_type_e;
+using ::vsomeip::return_code_e;
+
+class MethodTest : public BoundProxyTest {};
+
+TEST_F(MethodTest, AGetterSendsAnEmptyRequestAndYieldsTheValue) {
+  application_.TakeCalls();
+  auto future = binding_->Getnotifications().Get();
+  EXPECT_THAT(application_.TakeCalls(), ::testing::ElementsAre("send 6005 7 4010 4"));
+  const auto request = TakeRequest();
+  EXPECT_EQ(request->get_message_type(), message_type_e::MT_REQUEST);
+  EXPECT_FALSE(request->is_reliable());
+  EXPECT_EQ(request->get_payload() == nullptr ? 0 : request->get_payload()->get_length(), 0U);
+
+  application_.Deliver(support::ResponseTo(request, kFortyTwo));
+  const Value value = future.get();
+  ASSERT_EQ(value.size(), 1U);
+  EXPECT_EQ(value[0].member0, 42U);
+  EXPECT_FALSE(value[0].member1.has_value());
+}
+
+// The stack hands a response over before send() has returned: it waits until the call stands in the table.
+TEST_F(MethodTest, AResponseMayBeFasterThanTheCaller) {
+  std::thread network;
+  application_.on_send = [&](const Message& request) {
+    network = std::thread([this, request] { application_.Deliver(support::ResponseTo(request, kFortyTwo)); });
+  };
+  auto future = binding_->Getnotifications().Get();
+  EXPECT_EQ(future.get().at(0).member0, 42U);
+  network.join();
+}
+
+TEST_F(MethodTest, ResponsesFindTheirCallsInAnyOrder) {
+  auto first = binding_->Getnotifications().Get();
+  const auto firstRequest = TakeRequest();
+  auto second = binding_->Getnotifications().Get();
+  const auto secondRequest = TakeRequest();
+  EXPECT_EQ(secondRequest->get_session(), firstRequest->get_session() + 1);
+  application_.Deliver(support::ResponseTo(secondRequest, ValueOf(2)));
+  application_.Deliver(support::ResponseTo(firstRequest, ValueOf(1)));
+  EXPECT_EQ(first.get().at(0).member0, 1U);
+  EXPECT_EQ(second.get().at(0).member0, 2U);
+}
+
+TEST_F(MethodTest, TwoBindingsOfOneInstanceGetTheirOwnResponses) {
+  auto other = std::make_unique<EnergySystemImpl>(kInstance);
+  auto one = binding_->Getnotifications().Get();
+  const auto oneRequest = TakeRequest();
+  auto two = other->Getnotifications().Get();
+  const auto twoRequest = TakeRequest();
+  application_.Deliver(support::ResponseTo(twoRequest, ValueOf(2)));
+  application_.Deliver(support::ResponseTo(oneRequest, ValueOf(1)));
+  EXPECT_EQ(one.get().at(0).member0, 1U);
+  EXPECT_EQ(two.get().at(0).member0, 2U);
+
+  auto pending = other->Getnotifications().Get();
+  other.reset();
+  EXPECT_EQ(pending.GetResult().error(), MakeErrorCode(future_errc::broken_promise));
+  auto still = binding_->Getnotifications().Get();
+  application_.Deliver(support::ResponseTo(application_.TakeSent().back(), ValueOf(3)));
+  EXPECT_EQ(still.get().at(0).member0, 3U) << "the remaining binding keeps its handler";
+}
+
+TEST_F(MethodTest, LateDuplicateAndForeignResponsesChangeNothing) {
+  auto future = binding_->Getnotifications().Get();
+  const auto request = TakeRequest();
+  testing::internal::CaptureStderr();
+  const auto foreignClient = support::ResponseTo(request, kFortyTwo);
+  foreignClient->set_client(0x4321);
+  application_.Deliver(foreignClient);
+  const auto foreignSession = support::ResponseTo(request, kFortyTwo);
+  foreignSession->set_session(static_cast<std::uint16_t>(request->get_session() + 1));
+  application_.Deliver(foreignSession);
+  EXPECT_FALSE(future.is_ready());
+
+  const auto response = support::ResponseTo(request, kFortyTwo);
+  application_.Deliver(response);
+  application_.Deliver(response);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(future.get().at(0).member0, 42U);
+}
+
+struct ResponseCase {
+  const char* what;
+  void (*change)(::vsomeip::message& response);
+  const char* payload;
+  const char* log;  // what the one warning ends with; empty for none
+  ara::core::Result<unsigned> result;
+};
+
+const auto kBindingFailure = MakeErrorCode(ComErrc::kNetworkBindingFailure);
+
+TEST_F(MethodTest, AnswersEachCallWithAValueOrAnError) {
+  const auto unchanged = [](::vsomeip::message&) {};
+  const auto failed = [](::vsomeip::message& response) { response.set_return_code(return_code_e::E_NOT_OK); };
+  constexpr const char* kError = "00000013 01 0010 8000000000001267 00000001 00000005";
+  const ResponseCase cases[] = {
+      {"value", unchanged, kFortyTwo, "", 42U},
+      {"value in an error message", [](auto& response) { response.set_message_type(message_type_e::MT_ERROR); },
+       kFortyTwo, "", 42U},
+      {"error code in a response", failed, kError, "", MakeErrorCode(ComErrc::kServiceNotAvailable)},
+      {"error code of a domain that nobody knows", failed, "00000013 01 0010 00000000000000aa 00000007 00000000", "",
+       ara::core::ErrorCode(7, ara::com::internal::vsomeip::common::error_domains::Registry::getDomain(0xAA))},
+      {"wrong version", [](auto& response) { response.set_interface_version(3); }, kFortyTwo,
+       "onMessage:%d: Discarding invalid message", kBindingFailure},
+      {"wrong type", [](auto& response) { response.set_message_type(message_type_e::MT_NOTIFICATION); }, kFortyTwo,
+       "onMessage:%d: Discarding invalid message", kBindingFailure},
+      {"three bytes", unchanged, "000000",
+       "(Exception : proxy/vsomeip_method_impl_delegate.h) SetResult() deserializer error : "
+       "Deserialization of ara::core::Vector<T> failed, insufficient data.",
+       kBindingFailure},
+      {"a record longer than its bytes", unchanged, "00000008 00000005 20000000",
+       "SetResult() deserializer error : "
+       "Deserialization of structure failed, declared size excess data length.",
+       kBindingFailure},
+      {"error without a code", failed, "",
+       "(Exception : proxy/vsomeip_method_impl_delegate.h) SetError() deserializer error : "
+       "Deserialization of ara::core::ErrorCode failed, unexpected data length.",
+       kBindingFailure},
+  };
+  for (const ResponseCase& test : cases) {
+    auto future = binding_->Getnotifications().Get();
+    const auto response = support::ResponseTo(TakeRequest(), test.payload);
+    test.change(*response);
+    testing::internal::CaptureStderr();
+    application_.Deliver(response);
+    const std::string log = testing::internal::GetCapturedStderr();
+    if (*test.log == '\0') {
+      EXPECT_EQ(log, "") << test.what;
+    } else {
+      const std::string text = test.log;
+      EXPECT_THAT(log, HasSubstr("[warning] [T7GN] proxy/vsomeip_method_impl_delegate:")) << test.what;
+      EXPECT_THAT(log, HasSubstr(text.substr(text.find("%d") == std::string::npos ? 0 : text.find("%d") + 2)));
+    }
+    const auto result = future.GetResult();
+    ASSERT_EQ(result.HasValue(), test.result.HasValue()) << test.what;
+    if (result) {
+      EXPECT_EQ(result.value().at(0).member0, test.result.value());
+    } else {
+      EXPECT_EQ(result.error(), test.result.error()) << test.what;
+    }
+  }
+}
+
+TEST_F(MethodTest, KeepsTheSupportDataOfAnErrorCode) {
+  auto future = binding_->Getnotifications().Get();
+  const auto response = support::ResponseTo(TakeRequest(), "00000013 01 0010 8000000000001267 00000001 00000005");
+  response->set_return_code(return_code_e::E_NOT_OK);
+  response->set_message_type(message_type_e::MT_ERROR);
+  application_.Deliver(response);
+  EXPECT_EQ(future.GetResult().error().SupportData(), 5);
+}
+
+TEST_F(MethodTest, ValidationLogsBothMismatches) {
+  using namespace kro::services::energysystem::energysystem_binding::vsomeip;
+  using ara::com::internal::vsomeip::proxy::MakeGetMethodDescriptorFrom;
+  using ara::com::internal::vsomeip::proxy::MethodImplDelegate;
+  const MethodImplDelegate<MakeGetMethodDescriptorFrom<descriptors::notifications>, Value> delegate(kInstance);
+  auto future = binding_->Getnotifications().Get();
+  const auto request = TakeRequest();
+  const auto response = support::ResponseTo(request, kFortyTwo);
+  EXPECT_TRUE(delegate.validateMessage(*request, *response));
+  response->set_client(9);
+  response->set_session(8);
+  request->set_session(7);
+  testing::internal::CaptureStderr();
+  EXPECT_FALSE(delegate.validateMessage(*request, *response));
+  const std::string log = testing::internal::GetCapturedStderr();
+  EXPECT_THAT(log, HasSubstr("Incorrect client id:9 Vs 4660\n"));
+  EXPECT_THAT(log, HasSubstr("Incorrect session id:8 Vs 7\n"));
+}
+
+TEST_F(MethodTest, AResponseAfterTheEndIsDropped) {
+  auto doomed = std::make_unique<EnergySystemImpl>(8);
+  auto future = doomed->Getnotifications().Get();
+  const auto response = support::ResponseTo(TakeRequest(), kFortyTwo);
+  doomed.reset();
+  application_.Deliver(response);
+  EXPECT_EQ(future.GetResult().error(), MakeErrorCode(future_errc::broken_promise));
+}
+
+}  // namespace
