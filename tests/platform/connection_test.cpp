@@ -1,0 +1,236 @@
+// The parts of the SOME/IP binding that use the stack, against a provider in the same process.
+#include "platform/include/connection.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/include/method_handler.h"
+#include "platform/include/runtime.h"
+#include "platform/include/service_availability.h"
+#include "tests/embedded_stack/test_node.h"
+#include "tests/platform/fake_mapping.h"
+
+namespace ara::com::internal::vsomeip::runtime {
+
+// What a library with services would define.
+const VSomeIPServiceMapping::Mapping* VSomeIPServiceMapping::GetMappingForServiceId(std::uint16_t araServiceId) {
+  static const FakeMapping mapping;
+  return araServiceId == mapping.GetServiceId() ? &mapping : nullptr;
+}
+
+namespace {
+
+using embedded_stack_test::kGet;
+using embedded_stack_test::kMajor;
+using embedded_stack_test::kService;
+using embedded_stack_test::Provider;
+using embedded_stack_test::Record;
+using testing::ElementsAre;
+
+constexpr std::uint16_t kAraService = 0x0A11;
+
+struct Receiver {
+  void OnMessage(const std::shared_ptr<::vsomeip::message>& message) { requests.Add(message->get_request()); }
+  Record<::vsomeip::request_t> requests;
+};
+
+void Register(std::uint16_t instance, const std::shared_ptr<Receiver>& receiver) {
+  common::registerMethodHandler(kService, instance, kGet, common::WeakMethodHandler(receiver, &Receiver::OnMessage),
+                                false);
+}
+void Unregister(std::uint16_t instance) { common::unregisterMethodHandler(kService, instance, kGet, false); }
+
+::vsomeip::request_t SendRequest(std::uint16_t instance) {
+  const auto request = VSomeIPConnection::instance_.MessageRuntime()->create_request();
+  request->set_service(kService);
+  request->set_instance(instance);
+  request->set_method(kGet);
+  request->set_interface_version(kMajor);
+  VSomeIPConnection::instance_.Application()->send(request);
+  return request->get_request();
+}
+
+// Records whether an instance is offered, for as long as it lives.
+struct Follower {
+  explicit Follower(const common::ServiceInstance& service)
+      : token(common::registerAvailabilityHandler(service, [this](bool available) { states.Add(available); })) {}
+  ~Follower() { common::unregisterAvailabilityHandler(token); }
+  Record<bool> states;
+  const std::uint64_t token;
+};
+
+// Each test has instances of its own: the connection is one for the process.
+using Request = VSomeIPConnection::RequestedServiceInstance;
+common::ServiceInstance Instance(std::uint16_t instance) { return {kService, instance, kMajor, 0}; }
+
+TEST(FindService, FollowsWhatIsOffered) {
+  using List = InstanceIdentifierContainer;
+  Provider provider({1}, 0x11);
+  EXPECT_THAT(Runtime::FindService(kAraService, InstanceIdentifier::Any()), ElementsAre("17"));  // it waits for that
+  EXPECT_THAT(Runtime::FindService(kAraService, "0x12"), ElementsAre());
+  EXPECT_THAT(Runtime::FindService(0x0A12, InstanceIdentifier::Any()), ElementsAre());
+
+  Record<List> all, one, first;
+  const auto record = [](Record<List>& lists) {
+    return [&lists](List instances, FindServiceHandle) { lists.Add(std::move(instances)); };
+  };
+  const auto follow_all = Runtime::StartFindService(kAraService, InstanceIdentifier::Any(), record(all));
+  EXPECT_TRUE(all.WaitForLast({"17"}));
+  provider.Offer(0x12, {2});
+  EXPECT_TRUE(all.WaitForLast({"17", "18"}));
+
+  // Those who come later hear of what is there already.
+  const auto follow_one = Runtime::StartFindService(kAraService, "0x12", record(one));
+  EXPECT_TRUE(one.WaitForLast({"18"}));
+  Runtime::StartFindService(kAraService, InstanceIdentifier::Any(), [&](List instances, FindServiceHandle search) {
+    Runtime::StopFindService(search);
+    first.Add(std::move(instances));
+  });
+  EXPECT_TRUE(first.WaitForCount(1));
+
+  provider->stop_offer_service(kService, 0x12, kMajor, 0);
+  EXPECT_TRUE(all.WaitForLast({"17"}));
+  EXPECT_TRUE(one.WaitForLast({}));
+  EXPECT_THAT(one.Items(), ElementsAre(ElementsAre("18"), ElementsAre()));
+  EXPECT_THAT(first.Items(), ElementsAre(ElementsAre("17", "18")));
+  Runtime::StopFindService(follow_one);
+  Runtime::StopFindService(follow_all);
+}
+
+TEST(Connection, EachFollowerHearsItsChangesAndTheLastReleaseCounts) {
+  Provider provider({1}, 0x21);
+  Request one(Instance(0x21)), other(Instance(0x21));
+  Follower early(one);
+  ASSERT_TRUE(early.states.WaitForLast(true));
+  {
+    Follower late(one);
+    ASSERT_TRUE(late.states.WaitForLast(true));
+    provider->stop_offer_service(kService, 0x21, kMajor, 0);
+    EXPECT_TRUE(late.states.WaitForLast(false));
+    EXPECT_TRUE(early.states.WaitForLast(false));
+  }
+  provider.Offer(0x21, {1});
+  EXPECT_TRUE(early.states.WaitForLast(true));
+  EXPECT_THAT(early.states.Items(), ElementsAre(true, false, true));
+
+  const auto receiver = std::make_shared<Receiver>();
+  Register(0x21, receiver);
+  one.DropServiceInstance();
+  one.DropServiceInstance();
+  EXPECT_TRUE(receiver->requests.WaitForLast(SendRequest(0x21)));  // the other request still stands
+  other.DropServiceInstance();
+  VSomeIPConnection::instance_.DoReleaseService(Instance(0x21));  // one too many
+  Request again(Instance(0x21));
+  Follower returned(again);
+  ASSERT_TRUE(returned.states.WaitForLast(true));
+  EXPECT_TRUE(receiver->requests.WaitForLast(SendRequest(0x21)));
+  Unregister(0x21);
+  again.DropServiceInstance();
+}
+
+TEST(MethodHandlers, EveryLivingHandlerGetsEveryMessage) {
+  Provider provider({1}, 0x31);
+  Request request(Instance(0x31));
+  Follower follower(request);
+  ASSERT_TRUE(follower.states.WaitForLast(true));
+
+  auto one = std::make_shared<Receiver>();
+  const auto two = std::make_shared<Receiver>();
+  Register(0x31, one);
+  Register(0x31, two);
+  constexpr std::size_t kCalls = 50;
+  std::vector<::vsomeip::request_t> sent, sent_by_thread;
+  const auto send = [](std::vector<::vsomeip::request_t>& ids) {
+    std::generate_n(std::back_inserter(ids), kCalls, [] { return SendRequest(0x31); });
+  };
+  std::thread thread([&] { send(sent_by_thread); });
+  send(sent);
+  thread.join();
+  sent.insert(sent.end(), sent_by_thread.begin(), sent_by_thread.end());
+  for (const auto& receiver : {one, two}) {
+    EXPECT_TRUE(receiver->requests.WaitForCount(2 * kCalls));
+    EXPECT_THAT(receiver->requests.Items(), testing::UnorderedElementsAreArray(sent));
+  }
+  Unregister(0x31);  // one's, which lives a little longer
+  one.reset();
+  EXPECT_TRUE(two->requests.WaitForLast(SendRequest(0x31)));
+  Unregister(0x31);
+  request.DropServiceInstance();
+}
+
+// Counts the allocations of shared objects: one lasts until the last weak reference to its object is gone.
+template <typename T>
+struct CountingAllocator {
+  using value_type = T;
+  explicit CountingAllocator(int& live) : count(&live) {}
+  template <typename U>
+  CountingAllocator(const CountingAllocator<U>& other) : count(other.count) {}
+  T* allocate(std::size_t n) {
+    ++*count;
+    return std::allocator<T>().allocate(n);
+  }
+  void deallocate(T* pointer, std::size_t n) {
+    --*count;
+    std::allocator<T>().deallocate(pointer, n);
+  }
+  int* count;
+};
+
+TEST(MethodHandlers, DeadOnesAreNotKept) {
+  int live = 0;
+  const auto make_receiver = [&] { return std::allocate_shared<Receiver>(CountingAllocator<Receiver>(live)); };
+  const auto stays = make_receiver();
+  Register(0x41, stays);
+  for (int round = 0; round < 1000; ++round) {
+    const auto comes_and_goes = make_receiver();
+    Register(0x41, comes_and_goes);
+    Unregister(0x41);  // as a proxy does it: its object goes after that
+    ASSERT_LE(live, 3) << "after " << round << " rounds";
+  }
+  Unregister(0x41);
+  EXPECT_EQ(live, 1);
+  Unregister(0x41);  // one too many
+}
+
+std::ptrdiff_t CountThreads() {
+  std::thread([] {}).join();  // sanitizers begin a thread of their own with the first
+  return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+}
+
+// A thread that has been joined may still be listed for a moment.
+bool ThreadsEnd(std::ptrdiff_t left) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+  while (CountThreads() > left && std::chrono::steady_clock::now() < deadline) {
+    std::this_thread::yield();
+  }
+  return CountThreads() <= left;
+}
+
+TEST(ConnectionDeathTest, IsStoppedAtExitWhateverOutlivesIt) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  const auto use_and_exit = [] {
+    static const std::ptrdiff_t threads = CountThreads();
+    std::atexit([] {  // runs after the connection has been stopped
+      Unregister(0x51);
+      common::unregisterAvailabilityHandler(1);
+      VSomeIPConnection::instance_.DoReleaseService(Instance(0x51));
+      if (VSomeIPConnection::instance_.Application() == nullptr || !ThreadsEnd(threads)) {
+        std::_Exit(1);
+      }
+    });
+    VSomeIPConnection::instance_.DoRequestService(Instance(0x51));
+    Register(0x51, std::make_shared<Receiver>());
+    common::registerAvailabilityHandler(Instance(0x51), [](bool) {});
+    std::exit(CountThreads() > threads ? 0 : 2);
+  };
+  EXPECT_EXIT(use_and_exit(), testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
+}  // namespace ara::com::internal::vsomeip::runtime

@@ -1,0 +1,104 @@
+#include "platform/include/runtime.h"
+
+#include <stdexcept>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "core_types/com_error_domain.h"
+#include "platform/include/service_binding.h"
+#include "registry/proxy_factory.h"
+
+namespace ara::com::internal {
+namespace {
+
+using testing::ElementsAre;
+
+struct FakeFactory : proxy::ProxyFactory {
+  using ProxyFactory::ProxyFactory;
+  std::unique_ptr<proxy::ProxyBindingBase> Create() const override {
+    struct FakeProxy : proxy::ProxyBindingBase {};
+    return std::make_unique<FakeProxy>();
+  }
+};
+
+// Carries one service with one instance.
+struct FakeBinding : ServiceBinding {
+  FakeBinding(std::uint16_t carried, const char* offered) : service(carried), instance(offered) {}
+
+  void Init() override {
+    if (++inits > 1) throw std::runtime_error("no network");
+  }
+  InstanceIdentifierContainer FindService(std::uint16_t id, const InstanceIdentifier&) override {
+    return id == service ? InstanceIdentifierContainer{instance} : InstanceIdentifierContainer{};
+  }
+  std::uint64_t StartFindService(std::uint16_t id, const InstanceIdentifier&,
+                                 std::function<void(InstanceIdentifierContainer)> handler) override {
+    if (id != service) return 0;
+    search = std::move(handler);
+    if (answers_at_once) {
+      search({instance});
+      search({});
+    }
+    return 11;
+  }
+  void StopFindService(std::uint64_t id) override { stopped.push_back(id); }
+  std::shared_ptr<proxy::ProxyFactory> GetProxyFactory(std::uint16_t id, const InstanceIdentifier& wanted) override {
+    return id == service && wanted == instance ? std::make_shared<FakeFactory>(wanted) : nullptr;
+  }
+
+  const std::uint16_t service;
+  const InstanceIdentifier instance;
+  bool answers_at_once = false;
+  int inits = 0;
+  std::function<void(InstanceIdentifierContainer)> search;
+  std::vector<std::uint64_t> stopped;
+};
+
+// Bindings stay registered as long as the process runs: so all is one test.
+TEST(Runtime, AsksOneBindingAfterTheOther) {
+  auto owned = std::make_unique<FakeBinding>(2, "7");
+  FakeBinding& second = *owned;
+  Runtime::RegisterBinding(std::make_unique<FakeBinding>(1, "1"));
+  Runtime::RegisterBinding(std::move(owned));
+  Runtime::RegisterBinding(std::make_unique<FakeBinding>(2, "8"));  // too late for that service
+
+  Runtime::Init();
+  EXPECT_EQ(second.inits, 1);
+  EXPECT_THROW(Runtime::Init(), std::runtime_error);
+
+  EXPECT_THAT(Runtime::FindService(2, InstanceIdentifier::Any()), ElementsAre("7"));
+  EXPECT_THAT(Runtime::FindService(3, InstanceIdentifier::Any()), ElementsAre());
+  EXPECT_NE(Runtime::CreateProxy(2, "7"), nullptr);
+  EXPECT_EQ(Runtime::CreateProxy(2, "9"), nullptr);
+
+  std::vector<InstanceIdentifierContainer> found;
+  const auto record = [&](InstanceIdentifierContainer instances, FindServiceHandle) { found.push_back(instances); };
+  const FindServiceHandle handle = Runtime::StartFindService(2, InstanceIdentifier::Any(), record);
+  second.search({"7", "9"});
+  Runtime::StopFindService(handle);
+  Runtime::StopFindService(handle);
+  second.search({});  // as a binding must not: it would be late
+  EXPECT_THAT(found, ElementsAre(ElementsAre("7", "9")));
+  EXPECT_THAT(second.stopped, ElementsAre(11));
+  try {
+    Runtime::StartFindService(3, InstanceIdentifier::Any(), record);
+    ADD_FAILURE() << "nobody knows the service, but nothing was thrown";
+  } catch (const ComErrorDomainException& error) {
+    EXPECT_EQ(error.Error(), MakeErrorCode(ComErrc::kServiceNotAvailable));
+  }
+
+  // A handler may stop its search before the binding's answer is there.
+  second.answers_at_once = true;
+  Runtime::StartFindService(2, InstanceIdentifier::Any(),
+                            [&](InstanceIdentifierContainer instances, FindServiceHandle search) {
+                              found.push_back(instances);
+                              Runtime::StopFindService(search);
+                            });
+  EXPECT_THAT(found, ElementsAre(ElementsAre("7", "9"), ElementsAre("7")));
+  EXPECT_THAT(second.stopped, ElementsAre(11, 11));
+}
+
+}  // namespace
+}  // namespace ara::com::internal
