@@ -3,8 +3,8 @@
 
 namespace vsomeip_v3::embedded {
 
-void ApplicationImpl::Push(Dispatcher::Task task, bool is_message) {
-  if (!dispatcher_.Push(std::move(task), is_message)) {
+void ApplicationImpl::Push(Dispatcher::Task task, std::size_t message_bytes) {
+  if (!dispatcher_.Push(std::move(task), message_bytes)) {
     drops_.Count(Drop::kQueueFull, "a handler blocks", std::chrono::steady_clock::now());
   }
 }
@@ -12,11 +12,12 @@ void ApplicationImpl::Push(Dispatcher::Task task, bool is_message) {
 void ApplicationImpl::PushMessage(std::shared_ptr<message> message) {
   const auto slot = handlers_.FindMessage(message->get_service(), message->get_instance(), message->get_method());
   if (!slot) return;
+  const std::size_t bytes = kHeaderSize + message->get_payload()->get_length();
   Push(
       [slot, message = std::move(message)] {
         if (slot->registered) slot->call(message);
       },
-      true);
+      bytes);
 }
 
 void ApplicationImpl::PushStatus(const ServiceInstance& key, eventgroup_t eventgroup, event_t event, bool accepted) {
@@ -46,16 +47,20 @@ void ApplicationImpl::TellAvailability(const DiscoveryOutput::Availability& chan
 }
 
 void ApplicationImpl::register_state_handler(const state_handler_t& handler) {
+  Handlers::Retired retired;  // goes after the lock
   const Lock lock(mutex_);
   handlers_.SetState(handler);
+  retired = handlers_.TakeRetired();
 }
 
 void ApplicationImpl::unregister_state_handler() { register_state_handler(nullptr); }
 
 void ApplicationImpl::register_message_handler(service_t service, instance_t instance, method_t method,
                                                const message_handler_t& handler) {
+  Handlers::Retired retired;  // goes after the lock
   const Lock lock(mutex_);
   handlers_.SetMessage({service, instance, method}, handler);
+  retired = handlers_.TakeRetired();
 }
 
 void ApplicationImpl::unregister_message_handler(service_t service, instance_t instance, method_t method) {
@@ -65,6 +70,7 @@ void ApplicationImpl::unregister_message_handler(service_t service, instance_t i
 void ApplicationImpl::register_availability_handler(service_t service, instance_t instance,
                                                     const availability_handler_t& handler, major_version_t major,
                                                     minor_version_t minor) {
+  Handlers::Retired retired;  // goes after the lock
   const Lock lock(mutex_);
   const Handlers::AvailabilityKey key{service, instance, major, minor};
   std::vector<DiscoveryOutput::Availability> present;
@@ -75,6 +81,7 @@ void ApplicationImpl::register_availability_handler(service_t service, instance_
     }
   }
   const auto slot = handlers_.SetAvailability(key, handler, present);
+  retired = handlers_.TakeRetired();
   if (!slot) return;
   const bool is_wildcard = service == ANY_SERVICE || instance == ANY_INSTANCE;
   if (present.empty() && !is_wildcard) present.push_back({service, instance, major, minor, false});
@@ -87,15 +94,19 @@ void ApplicationImpl::register_availability_handler(service_t service, instance_
 
 void ApplicationImpl::unregister_availability_handler(service_t service, instance_t instance, major_version_t major,
                                                       minor_version_t minor) {
+  Handlers::Retired retired;  // goes after the lock
   const Lock lock(mutex_);
   handlers_.RemoveAvailability({service, instance, major, minor});
+  retired = handlers_.TakeRetired();
 }
 
 void ApplicationImpl::register_subscription_status_handler(service_t service, instance_t instance,
                                                            eventgroup_t eventgroup, event_t event,
                                                            subscription_status_handler_t handler, bool is_selective) {
+  Handlers::Retired retired;  // goes after the lock
   const Lock lock(mutex_);
   handlers_.SetStatus({service, instance, eventgroup, event}, handler, is_selective);
+  retired = handlers_.TakeRetired();
 }
 
 void ApplicationImpl::unregister_subscription_status_handler(service_t service, instance_t instance,
@@ -104,8 +115,10 @@ void ApplicationImpl::unregister_subscription_status_handler(service_t service, 
 }
 
 void ApplicationImpl::clear_all_handler() {
+  Handlers::Retired retired;  // goes after the lock
   const Lock lock(mutex_);
   handlers_.Clear();
+  retired = handlers_.TakeRetired();
 }
 
 }  // namespace vsomeip_v3::embedded

@@ -45,7 +45,7 @@ client_t ApplicationImpl::get_client() const {
 
 bool ApplicationImpl::init() {
   const Lock lock(mutex_);
-  if (state_ != State::kNew) return state_ == State::kReady;
+  if (state_ != State::kNew) return state_ != State::kStopping;
   try {
     const std::string file = ConfigurationFile(configuration_file_, name_);
     const Configuration configuration = file.empty() ? Configuration() : LoadConfiguration(file);
@@ -147,6 +147,7 @@ void ApplicationImpl::StopTables(DiscoveryOutput& out) {
   for (const ServiceInstance& key : offers_->All()) offers_->Remove(key, out);
   offered_events_.Clear();
   used_events_.Clear();
+  handlers_.ForgetAvailability();
   clients_.clear();
 }
 
@@ -217,6 +218,7 @@ void ApplicationImpl::release_service(service_t service, instance_t instance) {
   if (!requests_) return;
   DiscoveryOutput out;
   requests_->Release({service, instance}, out);
+  used_events_.Unsubscribe({service, instance});
   Apply(out);
 }
 

@@ -122,7 +122,7 @@ class ApplicationImpl final : public application, public std::enable_shared_from
   void SendInitialValues(const DiscoveryOutput::NewSubscriber& subscriber);
   void PushStatus(const ServiceInstance& key, eventgroup_t eventgroup, event_t event, bool accepted);
   void PushMessage(std::shared_ptr<message> message);
-  void Push(Dispatcher::Task task, bool is_message = false);
+  void Push(Dispatcher::Task task, std::size_t message_bytes = 0);
 
   void Wake();  // makes the thread in start() look at the tables; the lock may be held or not
   void Tick();  // takes the lock

@@ -198,6 +198,10 @@ void ApplicationImpl::Apply(const DiscoveryOutput& out) {
   for (const auto& change : out.availability) TellAvailability(change);
   for (const auto& status : out.subscriptions) TellStatus(status);
   for (const auto& subscriber : out.subscribers) SendInitialValues(subscriber);
+  for (const auto& released : out.released) {
+    used_events_.Unsubscribe(released);
+    handlers_.ForgetAvailability(released);
+  }
 }
 
 void ApplicationImpl::SendEntries(const std::vector<DiscoveryOutput::Outgoing>& entries) {

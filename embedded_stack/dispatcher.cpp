@@ -6,6 +6,7 @@
 #include <mutex>
 #include <set>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace vsomeip_v3::embedded {
@@ -28,7 +29,8 @@ struct Dispatcher::Core : std::enable_shared_from_this<Core> {
   std::mutex mutex;  // guards everything below
   std::condition_variable work;
   std::condition_variable finished_changed;
-  std::deque<Task> tasks;
+  std::deque<std::pair<Task, std::size_t>> tasks;  // and the bytes of the message in each
+  std::size_t message_bytes = 0;
   std::vector<std::thread> threads;
   std::set<std::thread::id> finished;
   std::thread::id leader;  // none: nobody leads
@@ -71,7 +73,8 @@ void Dispatcher::Core::Lead(std::unique_lock<std::mutex>& lock) {
   leader = std::this_thread::get_id();
   if (idle == 0 && threads.size() < kMaxThreads) AddThread();
   while (leader == std::this_thread::get_id() && !tasks.empty() && !stopping) {
-    Task task = std::move(tasks.front());
+    Task task = std::move(tasks.front().first);
+    message_bytes -= tasks.front().second;
     tasks.pop_front();
     task_began = Clock::now();
     if (!tasks.empty() && !is_watched) work.notify_one();
@@ -102,15 +105,17 @@ void Dispatcher::Start() {
   if (core_->threads.empty()) core_->AddThread();
 }
 
-bool Dispatcher::Push(Task task, bool is_message) {
+bool Dispatcher::Push(Task task, std::size_t message_bytes) {
   std::shared_ptr<Core> core;
   {
     const std::lock_guard<std::mutex> guard(mutex_);
     core = core_;
   }
   const std::lock_guard<std::mutex> lock(core->mutex);
-  if (core->tasks.size() >= (is_message ? kMaxMessages : kMaxTasks)) return false;
-  core->tasks.push_back(std::move(task));
+  if (core->tasks.size() >= (message_bytes > 0 ? kMaxMessages : kMaxTasks)) return false;
+  if (message_bytes > kMaxMessageBytes - core->message_bytes) return false;
+  core->message_bytes += message_bytes;
+  core->tasks.emplace_back(std::move(task), message_bytes);
   // While a handler runs, only a thread that watches it is needed, and that one needs no further call.
   if (core->leader == std::thread::id{} || !core->is_watched) core->work.notify_one();
   return true;
@@ -122,7 +127,7 @@ void Dispatcher::Stop(std::chrono::milliseconds deadline) {
     const std::lock_guard<std::mutex> guard(mutex_);
     core.swap(core_);
   }
-  std::deque<Task> forgotten;  // destroyed without a lock
+  std::deque<std::pair<Task, std::size_t>> forgotten;  // destroyed without a lock
   std::vector<std::thread> threads;
   std::set<std::thread::id> finished;
   {

@@ -16,8 +16,9 @@ class Dispatcher {
 
   static constexpr std::chrono::milliseconds kPatience{100};  // then a handler is overtaken
   static constexpr std::size_t kMaxThreads = 10;
-  static constexpr std::size_t kMaxMessages = 8192;  // waiting
-  static constexpr std::size_t kMaxTasks = 65536;
+  static constexpr std::size_t kMaxMessages = 8192;             // waiting
+  static constexpr std::size_t kMaxMessageBytes = 128U << 20U;  // in them
+  static constexpr std::size_t kMaxTasks = 65536;               // of any kind
 
   explicit Dispatcher(std::shared_ptr<Log> log);
   ~Dispatcher();
@@ -27,8 +28,9 @@ class Dispatcher {
   // Tasks pushed before are kept until then.
   void Start();
 
-  // False if the queue is full, which it is sooner for messages than for everything else.
-  bool Push(Task task, bool is_message);
+  // False if the queue is full, which it is sooner for messages than for everything else. `message_bytes` is 0 for
+  // everything else.
+  bool Push(Task task, std::size_t message_bytes);
 
   // Forgets what waits, and waits for what runs until the deadline, except for a handler that calls this itself.
   void Stop(std::chrono::milliseconds deadline);

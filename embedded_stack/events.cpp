@@ -125,6 +125,12 @@ bool UsedEvents::Unsubscribe(const ServiceInstance& key, eventgroup_t eventgroup
   return true;
 }
 
+void UsedEvents::Unsubscribe(const ServiceInstance& key) {
+  Lose(key);
+  const auto found = instances_.find(key);
+  if (found != instances_.end()) found->second.subscribed.clear();
+}
+
 bool UsedEvents::IsSubscribed(const ServiceInstance& key, event_t id) const {
   const Instance* instance = Find(key);
   if (instance == nullptr) return false;

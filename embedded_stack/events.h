@@ -70,6 +70,8 @@ class UsedEvents {
 
   // The events whose subscription status changes by this, with ANY_EVENT resolved into the requested ones.
   std::vector<event_t> SetStatus(const ServiceInstance& key, eventgroup_t eventgroup, bool accepted);
+  // The service is not used any more.
+  void Unsubscribe(const ServiceInstance& key);
   // The provider is gone: nothing is accepted and no value is known any more.
   void Lose(const ServiceInstance& key);
 

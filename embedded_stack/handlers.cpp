@@ -1,27 +1,18 @@
 #include "embedded_stack/handlers.h"
 
-#include <array>
-
 #include "vsomeip/constants.hpp"
 
 namespace vsomeip_v3::embedded {
 
-namespace {
-
-// Puts a handler in the place of the former one, or of none if it is null.
+// Puts a handler in the place of the former one, or none if it is null.
 template <typename Function>
-void Replace(SlotPointer<Function>& slot, const Function& handler) {
-  if (slot) slot->registered = false;
+void Handlers::Replace(SlotPointer<Function>& slot, const Function& handler) {
+  if (slot) {
+    slot->registered = false;
+    retired_.push_back(std::move(slot));
+  }
   slot = handler ? std::make_shared<Slot<Function>>(handler) : nullptr;
 }
-
-template <typename Map>
-void ClearSlots(Map& map) {
-  for (auto& [key, entry] : map) entry.slot->registered = false;
-  map.clear();
-}
-
-}  // namespace
 
 void Handlers::SetState(const state_handler_t& handler) { Replace(state_, handler); }
 
@@ -64,7 +55,7 @@ SlotPointer<availability_handler_t> Handlers::SetAvailability(const Availability
 void Handlers::RemoveAvailability(const AvailabilityKey& key) {
   const auto found = availability_.find(key);
   if (found == availability_.end()) return;
-  found->second.slot->registered = false;
+  Replace(found->second.slot, availability_handler_t());
   availability_.erase(found);
 }
 
@@ -99,12 +90,22 @@ std::vector<SlotPointer<subscription_status_handler_t>> Handlers::FindStatus(con
   return found;
 }
 
+void Handlers::ForgetAvailability(const ServiceInstance& key) {
+  for (auto& [handler_key, entry] : availability_) entry.available.erase(key);
+}
+
+void Handlers::ForgetAvailability() {
+  for (auto& [handler_key, entry] : availability_) entry.available.clear();
+}
+
 void Handlers::Clear() {
   Replace(state_, state_handler_t());
-  for (auto& [key, slot] : messages_) slot->registered = false;
+  for (auto& [key, slot] : messages_) Replace(slot, message_handler_t());
+  for (auto& [key, entry] : availability_) Replace(entry.slot, availability_handler_t());
+  for (auto& [key, entry] : status_) Replace(entry.slot, subscription_status_handler_t());
   messages_.clear();
-  ClearSlots(availability_);
-  ClearSlots(status_);
+  availability_.clear();
+  status_.clear();
 }
 
 }  // namespace vsomeip_v3::embedded

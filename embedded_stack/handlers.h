@@ -51,7 +51,19 @@ class Handlers {
 
   void Clear();
 
+  // An application that stops or releases a service forgets what its handlers were told about it, so that they hear
+  // of it again.
+  void ForgetAvailability(const ServiceInstance& key);
+  void ForgetAvailability();
+
+  // What was replaced or removed. To be destroyed without a lock: a handler may own things that call back.
+  using Retired = std::vector<std::shared_ptr<void>>;
+  Retired TakeRetired() { return std::exchange(retired_, {}); }
+
  private:
+  template <typename Function>
+  void Replace(SlotPointer<Function>& slot, const Function& handler);
+
   struct AvailabilityEntry {
     SlotPointer<availability_handler_t> slot;
     std::set<ServiceInstance> available;  // as the handler was told
@@ -65,6 +77,7 @@ class Handlers {
   std::map<MessageKey, SlotPointer<message_handler_t>> messages_;
   std::map<AvailabilityKey, AvailabilityEntry> availability_;
   std::map<StatusKey, StatusEntry> status_;
+  Retired retired_;
 };
 
 }  // namespace vsomeip_v3::embedded

@@ -52,7 +52,10 @@ void DropCounter::Count(Drop reason, const std::string& detail, TimePoint now) {
   ++entry.total;
   if (now < entry.next_report) return;
   const char* const name = kDropNames[static_cast<std::size_t>(reason)];
-  log_.Warning("dropped: ", name, " (", detail, "), ", entry.total - entry.reported, " since the last report");
+  const auto count = entry.total - entry.reported;
+  // What is on its way while a subscription or a service ends is no reason to worry.
+  const LogLevel level = reason == Drop::kNobodyAsked ? LogLevel::kInfo : LogLevel::kWarning;
+  log_.Write(level, "dropped: ", name, " (", detail, "), ", count, " since the last report");
   entry.reported = entry.total;
   entry.next_report = now + kReportInterval;
 }

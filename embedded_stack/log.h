@@ -32,13 +32,14 @@ class Log {
     Write(LogLevel::kInfo, parts...);
   }
 
- private:
   template <typename... Parts>
   void Write(LogLevel level, const Parts&... parts) {
     std::ostringstream text;
     (text << ... << parts);
     WriteLine(level, text.str());
   }
+
+ private:
   void WriteLine(LogLevel level, const std::string& text);
 
   std::mutex mutex_;  // guards both

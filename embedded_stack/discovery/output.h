@@ -52,6 +52,7 @@ struct DiscoveryOutput {
   std::vector<Availability> availability;
   std::vector<SubscriptionStatus> subscriptions;
   std::vector<NewSubscriber> subscribers;
+  std::vector<ServiceInstance> released;  // no longer used here; nobody is told
   std::vector<Drop> drops;
 };
 

@@ -12,18 +12,19 @@ void Requests::Request(const ServiceInstance& key, major_version_t major, minor_
 
 void Requests::Release(const ServiceInstance& key, DiscoveryOutput& out) {
   wishes_.erase(key);
+  for (auto it = subscriptions_.begin(); it != subscriptions_.end();) {
+    const ServiceInstance target{std::get<0>(it->first), std::get<1>(it->first)};
+    const Instance* instance = Find(target);
+    const bool is_used = instance != nullptr ? IsRequested(target, instance->major, instance->minor) : target != key;
+    if (instance != nullptr && !is_used && it->second.state != State::kIdle) {
+      SendStop(it->first, it->second, *instance, out);
+    }
+    it = is_used ? std::next(it) : subscriptions_.erase(it);
+  }
   for (auto it = available_.begin(); it != available_.end();) {
-    if (IsRequested(it->first, it->second.major, it->second.minor)) {
-      ++it;
-      continue;
-    }
-    const auto begin = subscriptions_.lower_bound({it->first.first, it->first.second, 0});
-    for (auto sub = begin; sub != subscriptions_.end() && std::get<0>(sub->first) == it->first.first &&
-                           std::get<1>(sub->first) == it->first.second;) {
-      if (sub->second.state != State::kIdle) SendStop(sub->first, sub->second, it->second, out);
-      sub = subscriptions_.erase(sub);
-    }
-    it = available_.erase(it);
+    const bool is_used = IsRequested(it->first, it->second.major, it->second.minor);
+    if (!is_used) out.released.push_back(it->first);
+    it = is_used ? std::next(it) : available_.erase(it);
   }
 }
 

@@ -131,7 +131,9 @@ std::optional<DiscoveryMessage> DecodeDiscovery(ByteView datagram) {
   reader.U24();  // reserved
   const ByteView entries = reader.Take(reader.U32());
   const ByteView options = reader.Take(reader.U32());
-  if (reader.Failed() || entries.size() % kEntrySize != 0) return std::nullopt;
+  if (reader.Failed() || entries.size() % kEntrySize != 0 || entries.size() > kMaxReceivedEntries * kEntrySize) {
+    return std::nullopt;
+  }
 
   const std::vector<Option> decoded_options = DecodeOptions(options);
   for (std::size_t at = 0; at < entries.size(); at += kEntrySize) {

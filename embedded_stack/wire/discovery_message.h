@@ -59,5 +59,7 @@ std::optional<DiscoveryMessage> DecodeDiscovery(ByteView datagram);
 // kMaxEntriesPerMessage, which fits one datagram even if each has an option of its own.
 std::vector<std::uint8_t> EncodeDiscovery(const DiscoveryMessage& message);
 inline constexpr std::size_t kMaxEntriesPerMessage = 48;
+// More than fit a datagram of 1400 bytes are refused, so that one message cannot cause thousands of answers.
+inline constexpr std::size_t kMaxReceivedEntries = 88;
 
 }  // namespace vsomeip_v3::embedded

@@ -59,6 +59,35 @@ TEST(NodeTest, InstancesOfOneServiceInOneApplicationAreToldApart) {
   EXPECT_TRUE(second.values.WaitForLast({2}));
 }
 
+TEST(NodeTest, ReleasedServiceIsHeardOfAgainWhenItIsRequestedAgain) {
+  Provider provider({1});
+  Client client;
+  client.Subscribe();
+  ASSERT_TRUE(client.values.WaitForCount(1));
+  client->release_service(kService, 1);
+  EXPECT_FALSE(client->is_available(kService, 1));
+  client->request_service(kService, 1);
+  ASSERT_TRUE(client.availability.WaitForCount(3));
+  EXPECT_EQ(client.availability.Items(), (std::vector<bool>{false, true, true}));
+  client.Subscribe();
+  EXPECT_TRUE(client.status.WaitForCount(2));
+  EXPECT_TRUE(client.values.WaitForCount(2));
+}
+
+// A handler that owns something whose end calls back into the application.
+TEST(NodeTest, HandlerMayOwnWhatUnregistersAnother) {
+  Node app("owner");
+  std::shared_ptr<int> owned(new int, [&app](const int* number) {
+    app->unregister_message_handler(kService, 1, kSet);
+    delete number;
+  });
+  app->register_message_handler(kService, 1, kGet, [owned](const auto&) {});
+  const std::weak_ptr<int> end = owned;
+  owned.reset();
+  app->unregister_message_handler(kService, 1, kGet);
+  EXPECT_TRUE(end.expired());
+}
+
 TEST(NodeTest, RequestIdsCountUpAndAreKnownAfterSend) {
   Provider provider({1});
   Client client;
