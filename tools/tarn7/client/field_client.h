@@ -1,0 +1,29 @@
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "tools/tarn7/values/json.h"
+
+namespace tarn7::tool {
+
+/// Access to one field of one service instance. Used from one thread, one call at a time. What it calls back runs on
+/// threads of the SOME/IP stack, until the proxy binding, which the clients of one interface may share, is destroyed.
+class FieldClient {
+ public:
+  virtual ~FieldClient() = default;
+
+  /// Asks for the value; `answered` is called once when the answer is there, perhaps at once.
+  virtual void StartGet(std::function<void()> answered) = 0;
+  /// Asks for a new value. Throws ValueError, before anything is sent, for JSON that is no value of the field.
+  virtual void StartSet(const Json& value, std::function<void()> answered) = 0;
+  /// The value that the answer reports. Throws CommandError (kCallFailed) where it is an error.
+  virtual Json TakeAnswer() = 0;
+
+  /// Follows the field; `arrived` is called after each sample that arrived.
+  virtual void Subscribe(std::function<void()> arrived) = 0;
+  /// The samples that wait, oldest first.
+  virtual std::vector<Json> TakeSamples() = 0;
+};
+
+}  // namespace tarn7::tool

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "ara/com/internal/proxy/field.h"
+#include "ara/com/internal/proxy/proxy_binding_base.h"
+#include "core_types/future.h"
+#include "tools/tarn7/client/call_error.h"
+#include "tools/tarn7/client/field_client.h"
+#include "tools/tarn7/values/from_json.h"
+#include "tools/tarn7/values/to_json.h"
+
+namespace tarn7::tool {
+
+/// Access through the library's own proxy.
+template <typename ProxyField>
+class ProxyFieldClient final : public FieldClient {
+ public:
+  /// `field` is part of `binding`.
+  ProxyFieldClient(std::shared_ptr<ara::com::internal::proxy::ProxyBindingBase> binding, ProxyField& field)
+      : binding_(std::move(binding)), field_(field) {}
+
+  void StartGet(std::function<void()> answered) override {
+    answer_ = field_.Get();
+    answer_.then(std::move(answered));
+  }
+
+  void StartSet(const Json& value, std::function<void()> answered) override {
+    if constexpr (std::is_base_of_v<ara::com::internal::proxy::MutableField<Value>, ProxyField>) {
+      answer_ = field_.Set(FromJson<Value>(value));
+      answer_.then(std::move(answered));
+    } else {
+      throw std::logic_error("the field has no setter");
+    }
+  }
+
+  Json TakeAnswer() override {
+    const ara::core::Result<Value> result = answer_.GetResult();
+    if (!result) {
+      ThrowCallError(result.error());
+    }
+    return ToJson(result.value());
+  }
+
+  void Subscribe(std::function<void()> arrived) override {
+    field_.SetReceiveHandler(std::move(arrived));
+    field_.Subscribe(kCacheSize);
+  }
+
+  std::vector<Json> TakeSamples() override {
+    std::vector<Json> samples;
+    field_.GetNewSamples([&samples](auto sample) { samples.push_back(ToJson(*sample)); });
+    return samples;
+  }
+
+ private:
+  using Value = typename ProxyField::FieldType;
+
+  /// What may arrive while a slow reader keeps standard output busy.
+  static constexpr std::size_t kCacheSize = 256;
+
+  std::shared_ptr<ara::com::internal::proxy::ProxyBindingBase> binding_;
+  ProxyField& field_;
+  ara::core::Future<Value> answer_;
+};
+
+}  // namespace tarn7::tool

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "tools/tarn7/loop.h"
+#include "tools/tarn7/output.h"
+
+namespace tarn7::tool {
+
+/// What a command does once the command line is understood. Ends by returning, or by throwing CommandError.
+using Command = std::function<void(Output&)>;
+
+// Each adds one command to the tool. When the command line calls for it, `chosen` becomes what it does.
+void AddListCommand(CLI::App& tool, Command& chosen);
+void AddGetCommand(CLI::App& tool, Command& chosen);
+void AddSetCommand(CLI::App& tool, Command& chosen);
+void AddWatchCommand(CLI::App& tool, Command& chosen);
+void AddSimulateCommand(CLI::App& tool, Command& chosen);
+
+/// What the commands have in common, with one meaning everywhere.
+struct ServiceOptions {
+  std::uint16_t instance = 1;
+  std::uint32_t timeout = 2000;  // in milliseconds
+
+  Loop::TimePoint Deadline() const { return Loop::Clock::now() + std::chrono::milliseconds(timeout); }
+};
+
+void AddInstanceOption(CLI::App& command, ServiceOptions& options);
+/// Takes the default from `options`.
+CLI::Option* AddTimeoutOption(CLI::App& command, ServiceOptions& options, const std::string& description);
+
+}  // namespace tarn7::tool

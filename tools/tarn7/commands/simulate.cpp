@@ -1,0 +1,155 @@
+#include <algorithm>
+#include <iomanip>
+#include <iostream>
+#include <limits>
+#include <map>
+#include <memory>
+
+#include "tools/tarn7/commands/command.h"
+#include "tools/tarn7/error.h"
+#include "tools/tarn7/model/interface_table.h"
+#include "tools/tarn7/stack/simulated_service.h"
+#include "tools/tarn7/values/moving_value.h"
+#include "tools/tarn7/values/nearest.h"
+
+namespace tarn7::tool {
+
+namespace {
+
+struct SimulateOptions : ServiceOptions {
+  std::vector<std::string> interfaces;
+  std::uint32_t period = 1000;  // in milliseconds
+  std::string values_file;
+};
+
+/// What the values file gives, by field.
+using FixedValues = std::map<const Field*, Json>;
+
+/// Reads {"FIELD": value, ...}; where several interfaces are simulated, "INTERFACE/FIELD" may be needed. Throws
+/// ValueError for a field that is not among `fields`.
+FixedValues ReadValues(const std::string& path, const std::vector<FieldAddress>& fields) {
+  const Json json = ParseJsonFile(path);
+  std::vector<std::string> names;
+  for (const FieldAddress& address : fields) {
+    names.push_back(address.field->Name());
+  }
+  if (!json.is_object()) {
+    throw ValueError(path + ": expected an object of fields, such as {\"" + names.front() + "\":[]}");
+  }
+  FixedValues values;
+  for (const auto& item : json.items()) {
+    const std::string& key = item.key();
+    const auto found = std::find_if(fields.begin(), fields.end(), [&key](const FieldAddress& address) {
+      return key == address.field->Name() || key == address.ToString();
+    });
+    if (found == fields.end()) {
+      throw ValueError(path + ": no field '" + key + "'; did you mean '" + Nearest(key, names) + "'?");
+    }
+    try {
+      found->field->Encode(item.value());
+    } catch (const ValueError& error) {
+      throw ValueError(path + ": " + key + ": " + error.what());
+    }
+    values.insert_or_assign(found->field, item.value());
+  }
+  return values;
+}
+
+/// One simulated interface with its values.
+class Simulation {
+ public:
+  Simulation(StackApplication& application, const Interface& interface, std::uint16_t instance,
+             const FixedValues& fixedValues, ValueSource& source)
+      : interface_(interface),
+        source_(source),
+        service_(std::make_shared<SimulatedService>(application, interface, instance)) {
+    std::vector<std::vector<unsigned char>> payloads;
+    for (const auto& field : interface.fields) {
+      const auto fixed = fixedValues.find(field.get());
+      is_fixed_.push_back(fixed != fixedValues.end());
+      values_.push_back(is_fixed_.back() ? fixed->second : source.First(field->Type()));
+      payloads.push_back(field->Encode(values_.back()));
+    }
+    service_->Offer(std::move(payloads));
+    std::cerr << "offering " << interface.name << ", instance " << instance << ": service 0x" << std::hex
+              << interface.service_id << std::dec << ", version " << static_cast<int>(interface.major_version) << '.'
+              << interface.minor_version << ", " << interface.fields.size() << " fields" << std::endl;
+  }
+
+  void Move() {
+    for (std::size_t i = 0; i < values_.size(); ++i) {
+      if (!is_fixed_[i]) {
+        const Field& field = *interface_.fields[i];
+        source_.Move(values_[i], field.Type());
+        service_->Update(i, field.Encode(values_[i]));
+      }
+    }
+  }
+
+  void Stop() {
+    service_->StopOffer();
+    const SimulatedService::Counters counters = service_->GetCounters();
+    std::cerr << interface_.name << ": " << counters.gets << " values read, " << counters.sets << " set, "
+              << counters.notifications << " notified" << std::endl;
+  }
+
+ private:
+  const Interface& interface_;
+  ValueSource& source_;
+  std::shared_ptr<SimulatedService> service_;
+  std::vector<Json> values_;
+  std::vector<bool> is_fixed_;
+};
+
+void Simulate(const SimulateOptions& options) {
+  std::vector<const Interface*> interfaces;
+  std::vector<FieldAddress> fields;
+  for (const std::string& name : options.interfaces) {
+    const Interface& interface = FindInterface(name);
+    if (std::find(interfaces.begin(), interfaces.end(), &interface) == interfaces.end()) {
+      interfaces.push_back(&interface);
+      const auto own = FindAddresses(name);
+      fields.insert(fields.end(), own.begin(), own.end());
+    }
+  }
+  const FixedValues fixedValues = options.values_file.empty() ? FixedValues() : ReadValues(options.values_file, fields);
+
+  Loop loop;
+  ValueSource source;
+  StackApplication application("tarn7-simulate");
+  std::vector<Simulation> simulations;
+  for (const Interface* interface : interfaces) {
+    simulations.emplace_back(application, *interface, options.instance, fixedValues, source);
+  }
+  try {
+    for (auto next = Loop::Clock::now();;
+         std::for_each(simulations.begin(), simulations.end(), [](Simulation& simulation) { simulation.Move(); })) {
+      next += std::chrono::milliseconds(options.period);
+      loop.RunUntil(next, [] { return false; });
+    }
+  } catch (const Interrupted&) {  // the usual way to end it
+  }
+  for (Simulation& simulation : simulations) {
+    simulation.Stop();
+  }
+}
+
+}  // namespace
+
+void AddSimulateCommand(CLI::App& tool, Command& chosen) {
+  auto* const command = tool.add_subcommand("simulate", "Offer interfaces as a vehicle would, until Ctrl-C");
+  const auto options = std::make_shared<SimulateOptions>();
+  command->add_option("INTERFACE", options->interfaces, "What to offer")->required();
+  AddInstanceOption(*command, *options);
+  command->add_option("--period", options->period, "Time between two values; 1000 if not given")
+      ->type_name("MS")
+      ->check(CLI::Range(1, std::numeric_limits<int>::max()).description(""));
+  command
+      ->add_option("--values", options->values_file,
+                   "JSON file of values that stay, by field; other fields move. - reads standard input")
+      ->type_name("FILE");
+  command->footer("Example:\n  echo '{\"notifications\":[{\"member0\":42}]}' | tarn7 simulate energysystem --values -");
+  command->callback([&chosen, options] { chosen = [options](Output&) { Simulate(*options); }; });
+}
+
+}  // namespace tarn7::tool

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/signal_set.hpp>
+
+namespace tarn7::tool {
+
+/// Thrown out of the loop when the user (SIGINT) or the system (SIGTERM) asks the program to end.
+struct Interrupted {
+  int signal;
+};
+
+/// What the main thread does while it waits: it runs the jobs that other threads post, until a condition holds, time is
+/// up, or a signal asks the program to end. Only jobs touch the command's state, so that needs no lock.
+class Loop {
+ public:
+  using Clock = std::chrono::steady_clock;
+  using TimePoint = Clock::time_point;
+
+  static constexpr TimePoint kForever = TimePoint::max();
+
+  /// From here on SIGINT and SIGTERM no longer end the process.
+  Loop();
+  Loop(const Loop&) = delete;
+  Loop& operator=(const Loop&) = delete;
+
+  /// From any thread. The job runs on the thread that runs the loop, never after that left it for good.
+  void Post(std::function<void()> job);
+
+  /// Runs jobs until `done`, which is asked before each. False when the deadline passed first. Throws Interrupted.
+  bool RunUntil(TimePoint deadline, const std::function<bool()>& done);
+
+ private:
+  boost::asio::io_context context_;
+  boost::asio::signal_set signals_;
+  int signal_ = 0;  // the one that arrived
+};
+
+}  // namespace tarn7::tool

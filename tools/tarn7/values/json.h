@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include <nlohmann/json.hpp>
+
+namespace tarn7::tool {
+
+/// Members keep their order: that of the record.
+using Json = nlohmann::ordered_json;
+
+/// Throws ValueError, which names line and column, for what is no JSON text. `source` says where the text is from.
+Json ParseJson(std::string_view text, const std::string& source);
+/// Reads a file, or standard input where `path` is "-". Throws ValueError where it cannot be read.
+Json ParseJsonFile(const std::string& path);
+
+/// On one line. Bytes in a string that are no UTF-8 are shown as U+FFFD, so such a string cannot be read back.
+std::string ToText(const Json& json);
+
+/// Two lower-case hex digits per byte.
+std::string ToHex(const unsigned char* data, std::size_t size);
+
+}  // namespace tarn7::tool
