@@ -21,8 +21,8 @@ class StateMachine {
     std::size_t max_errors;  ///< and at most so many bad ones
   };
 
-  // Becoming valid is quick: a field may be notified once and then not for hours. Staying valid forgives two bad
-  // messages in ten. Coming back from invalid takes two good messages in a row of five without a bad one.
+  // Becoming valid is quick: one good message after the first will do. Staying valid forgives two bad messages in ten
+  // checks, but wants a good one among them. Coming back from invalid takes two good ones in five, and no bad one.
   static constexpr Thresholds kInit{5, 1, 1};
   static constexpr Thresholds kValid{10, 1, 2};
   static constexpr Thresholds kInvalid{5, 2, 0};

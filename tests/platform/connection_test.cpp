@@ -220,13 +220,15 @@ TEST(ConnectionDeathTest, IsStoppedAtExitWhateverOutlivesIt) {
       Unregister(0x51);
       common::unregisterAvailabilityHandler(1);
       VSomeIPConnection::instance_.DoReleaseService(Instance(0x51));
-      if (VSomeIPConnection::instance_.Application() == nullptr || !ThreadsEnd(threads)) {
+      VSomeIPConnection::instance_.Application()->unsubscribe(kService, 0x51, 1);
+      if (!ThreadsEnd(threads)) {
         std::_Exit(1);
       }
     });
     VSomeIPConnection::instance_.DoRequestService(Instance(0x51));
     Register(0x51, std::make_shared<Receiver>());
     common::registerAvailabilityHandler(Instance(0x51), [](bool) {});
+    VSomeIPConnection::instance_.Application()->subscribe(kService, 0x51, 1);
     std::exit(CountThreads() > threads ? 0 : 2);
   };
   EXPECT_EXIT(use_and_exit(), testing::ExitedWithCode(0), "");
