@@ -8,7 +8,9 @@ namespace energysystem_binding::vsomeip {
 
 EnergySystemImpl::EnergySystemImpl(std::uint16_t instance)
     : ProxyImplBase(descriptors::internal::Service::Instance(instance)) {}
-EnergySystemImpl::~EnergySystemImpl() = default;
+EnergySystemImpl::~EnergySystemImpl() {
+  ara::com::internal::vsomeip::proxy::StopHandlers<descriptors::Interface>(*this);
+}
 
 }  // namespace energysystem_binding::vsomeip
 }  // namespace kro::services::energysystem

@@ -40,6 +40,10 @@ class EventBase {
 
   /// The latest end-to-end check: renewed by each message that GetNewSamples takes, and by finding none.
   virtual e2exf::CheckResult DoCheckResult() const = 0;
+
+  /// Takes both handlers back and waits until neither runs on another thread. A proxy does this with all its events
+  /// before it destroys any of them.
+  virtual void StopHandlers() = 0;
 };
 
 }  // namespace bits

@@ -78,10 +78,9 @@ class EventState final : public EventSubscriber, public std::enable_shared_from_
     }
   }
 
-  /// Before the event object goes: ends the subscription, takes the handlers back and waits for those that run.
-  void Close() {
+  void StopHandlers() {
     SetSubscriptionStateChangeHandler(nullptr);
-    Unsubscribe();
+    SetReceiveHandler(nullptr);
     running_.WaitForOtherThreads();
   }
 

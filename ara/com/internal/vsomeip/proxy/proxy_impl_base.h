@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "ara/com/internal/vsomeip/common/field_descriptor.h"
 #include "platform/include/connection.h"
 #include "platform/include/service_instance.h"
 
@@ -23,5 +24,13 @@ class ProxyImplBase {
  private:
   runtime::VSomeIPConnection::RequestedServiceInstance requested_;
 };
+
+/// To be called first in a binding's destructor: takes all handlers back and waits for those that run, while every
+/// field is still whole. A handler may use any field of its proxy, not only the one that calls it.
+template <typename Interface, typename Binding>
+void StopHandlers(Binding& binding) {
+  common::ForEachType(typename Interface::Fields{},
+                      [&](auto field) { (binding.*decltype(field)::accessor)().StopHandlers(); });
+}
 
 }  // namespace ara::com::internal::vsomeip::proxy

@@ -22,7 +22,11 @@ template <typename Descriptor, typename T>
 class EventImpl : public virtual internal::proxy::Event<T> {
  public:
   explicit EventImpl(std::uint16_t instance) : state_(std::make_shared<State>(instance)) {}
-  ~EventImpl() override { state_->Close(); }
+  // By now no handler may use this object: the binding has stopped them before it began to destroy its fields.
+  ~EventImpl() override {
+    state_->StopHandlers();
+    state_->Unsubscribe();
+  }
   EventImpl(const EventImpl&) = delete;
   EventImpl& operator=(const EventImpl&) = delete;
 
@@ -57,6 +61,7 @@ class EventImpl : public virtual internal::proxy::Event<T> {
   void UnsetSubscriptionStateChangeHandler() override { state_->SetSubscriptionStateChangeHandler(nullptr); }
 
   e2exf::CheckResult DoCheckResult() const override { return state_->DoCheckResult(); }
+  void StopHandlers() override { state_->StopHandlers(); }
 
   /// Whether a notification fits this event: its header the event, its client id 0.
   bool validateMessage(const ::vsomeip::message& message) const { return state_->validateMessage(message); }
