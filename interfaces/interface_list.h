@@ -1,12 +1,16 @@
 #pragma once
 
 #include "ara/com/internal/vsomeip/common/field_descriptor.h"
+#include "interfaces/chargetimemanager/chargetimemanager_descriptors.h"
 #include "interfaces/energysystem/energysystem_descriptors.h"
+#include "interfaces/routebasedconsumption/routebasedconsumption_descriptors.h"
 
 namespace kro::services {
 
 /// The interfaces of which the library is the client.
-using ConsumedInterfaces =
-    ara::com::internal::vsomeip::common::TypeList<energysystem::energysystem_binding::vsomeip::descriptors::Interface>;
+using ConsumedInterfaces = ara::com::internal::vsomeip::common::TypeList<
+    energysystem::energysystem_binding::vsomeip::descriptors::Interface,
+    routebasedconsumption::routebasedconsumption_binding::vsomeip::descriptors::Interface,
+    chargetimemanager::chargetimemanager_binding::vsomeip::descriptors::Interface>;
 
 }  // namespace kro::services

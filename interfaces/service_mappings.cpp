@@ -1,8 +1,7 @@
-#include "interfaces/chargetimemanager/chargetimemanager_descriptors.h"
-#include "interfaces/energysystem/energysystem_descriptors.h"
+#include "interfaces/chargetimemanager/chargetimemanager_impl.h"
 #include "interfaces/energysystem/energysystem_impl.h"
 #include "interfaces/psd2/psd2_descriptors.h"
-#include "interfaces/routebasedconsumption/routebasedconsumption_descriptors.h"
+#include "interfaces/routebasedconsumption/routebasedconsumption_impl.h"
 #include "interfaces/routebasedenergycontents/routebasedenergycontents_descriptors.h"
 #include "registry/service_mapping_impl.h"
 
@@ -27,8 +26,11 @@ const Entry<psd2::descriptors::internal::Service, NoProxy, NoAdapter> psd2_entry
 const Entry<routebasedenergycontents::descriptors::internal::Service, NoProxy, NoAdapter>
     routebasedenergycontents_entry;
 const Entry<energysystem::descriptors::internal::Service, energysystem::EnergySystemImpl, NoAdapter> energysystem_entry;
-const Entry<routebasedconsumption::descriptors::internal::Service, NoProxy, NoAdapter> routebasedconsumption_entry;
-const Entry<chargetimemanager::descriptors::internal::Service, NoProxy, NoAdapter> chargetimemanager_entry;
+const Entry<routebasedconsumption::descriptors::internal::Service, routebasedconsumption::RouteBasedConsumptionImpl,
+            NoAdapter>
+    routebasedconsumption_entry;
+const Entry<chargetimemanager::descriptors::internal::Service, chargetimemanager::ChargeTimeManagerImpl, NoAdapter>
+    chargetimemanager_entry;
 
 const VSomeIPServiceMapping::Mapping* const entries[] = {&psd2_entry, &routebasedenergycontents_entry,
                                                          &energysystem_entry, &routebasedconsumption_entry,
