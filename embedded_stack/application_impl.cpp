@@ -105,6 +105,8 @@ void ApplicationImpl::start() {
   io_.restart();
   io_.poll();  // lets the cancelled operations go, which hold the sockets
   const Lock lock(mutex_);
+  offers_.reset();
+  requests_.reset();
   state_ = State::kNew;
   left_start_.notify_all();
 }

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <fstream>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 #include <vsomeip/vsomeip.hpp>
@@ -89,7 +90,7 @@ TEST(ConfigurationTest, ErrorsNameFileAndLine) {
 }
 
 TEST(ConfigurationTest, InitFailsOnABrokenFileAndSaysWhere) {
-  const std::string file = testing::TempDir() + "embedded_stack_broken.json";
+  const std::string file = testing::TempDir() + "embedded_stack_broken" + std::to_string(getpid()) + ".json";
   std::ofstream(file) << "{\n\"unicast\": 5\n}";
   testing::internal::CaptureStderr();
   EXPECT_FALSE(runtime::get()->create_application("broken", file)->init());
@@ -99,7 +100,7 @@ TEST(ConfigurationTest, InitFailsOnABrokenFileAndSaysWhere) {
 }
 
 TEST(ConfigurationTest, NamesAndClientIds) {
-  const std::string file = testing::TempDir() + "embedded_stack_names.json";
+  const std::string file = testing::TempDir() + "embedded_stack_names" + std::to_string(getpid()) + ".json";
   std::ofstream(file) << R"({"applications": [{"name": "from_environment", "id": "0x2345"}]})";
   setenv("VSOMEIP_CONFIGURATION", file.c_str(), 1);
   setenv("VSOMEIP_APPLICATION_NAME", "from_environment", 1);

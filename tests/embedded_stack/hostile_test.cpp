@@ -1,5 +1,7 @@
 // Packets that no well-behaved node sends, written by hand and sent from a plain socket.
 #include <arpa/inet.h>
+#include <cstdio>
+#include <fstream>
 #include <random>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -10,7 +12,7 @@ namespace embedded_stack_test {
 namespace {
 
 constexpr std::uint16_t kDataPort = 30509;
-constexpr std::uint16_t kDiscoveryPort = 30490;
+constexpr std::uint16_t kDiscoveryPort = 31490;  // not the usual one: garbage for us only
 
 // A UDP socket at 127.0.0.99, at discovery's port if `port` says so.
 class Intruder {
@@ -123,8 +125,11 @@ TEST(HostileTest, WrongRequestsAreAnsweredOrDropped) {
 
 // Valid packets with a few bytes changed at random, among them every kind of discovery entry and a segment.
 TEST(HostileTest, GarbageBesideNormalTrafficDoesNoHarm) {
-  Provider provider({1});
-  Client client;
+  const std::string file = testing::TempDir() + "embedded_stack_hostile" + std::to_string(getpid()) + ".json";
+  std::ofstream(file) << R"({"service-discovery": {"port": )" << kDiscoveryPort << "}}";
+  Provider provider({1}, kInstance, file);
+  Client client(kInstance, file);
+  std::remove(file.c_str());
   client.Subscribe();
   ASSERT_TRUE(client.values.WaitForLast({1}));
   const Intruder data;
@@ -157,7 +162,7 @@ TEST(HostileTest, GarbageBesideNormalTrafficDoesNoHarm) {
   }
   provider.Notify({2});
   EXPECT_TRUE(client.values.WaitForLast({2}));
-  EXPECT_TRUE(client->is_available(kService, 1));
+  EXPECT_TRUE(client->is_available(kService, kInstance));
 }
 
 }  // namespace

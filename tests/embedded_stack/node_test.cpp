@@ -13,23 +13,24 @@ TEST(NodeTest, ProviderAndClientInOneApplication) {
   Record<Bytes> responses;
   Record<Bytes> values;
   Record<std::uint16_t> status;
-  app->register_message_handler(kService, 1, kGet, [&](const std::shared_ptr<vsomeip::message>& message) {
+  app->register_message_handler(kService, kInstance, kGet, [&](const std::shared_ptr<vsomeip::message>& message) {
     if (message->get_message_type() != vsomeip::message_type_e::MT_REQUEST) return responses.Add(BytesOf(*message));
     const auto response = vsomeip::runtime::get()->create_response(message);
     response->set_payload(MakePayload({4, 2}));
     app->send(response);
   });
-  app->register_message_handler(kService, 1, kField, [&](const auto& message) { values.Add(BytesOf(*message)); });
-  app->register_subscription_status_handler(kService, 1, kGroup, kField,
+  app->register_message_handler(kService, kInstance, kField,
+                                [&](const auto& message) { values.Add(BytesOf(*message)); });
+  app->register_subscription_status_handler(kService, kInstance, kGroup, kField,
                                             [&](auto, auto, auto, auto, std::uint16_t code) { status.Add(code); });
   Record<bool> availability;
-  app->register_availability_handler(kService, 1, [&](auto, auto, bool is) { availability.Add(is); });
-  app->request_service(kService, 1);
-  app->request_event(kService, 1, kField, {kGroup}, vsomeip::event_type_e::ET_FIELD);
-  app->subscribe(kService, 1, kGroup, kMajor, kField);
-  app->offer_event(kService, 1, kField, {kGroup}, vsomeip::event_type_e::ET_FIELD);
-  app->offer_service(kService, 1, kMajor);
-  app->notify(kService, 1, kField, MakePayload({9}));
+  app->register_availability_handler(kService, kInstance, [&](auto, auto, bool is) { availability.Add(is); });
+  app->request_service(kService, kInstance);
+  app->request_event(kService, kInstance, kField, {kGroup}, vsomeip::event_type_e::ET_FIELD);
+  app->subscribe(kService, kInstance, kGroup, kMajor, kField);
+  app->offer_event(kService, kInstance, kField, {kGroup}, vsomeip::event_type_e::ET_FIELD);
+  app->offer_service(kService, kInstance, kMajor);
+  app->notify(kService, kInstance, kField, MakePayload({9}));
   app.Start();
 
   ASSERT_TRUE(availability.WaitForLast(true));
@@ -37,21 +38,21 @@ TEST(NodeTest, ProviderAndClientInOneApplication) {
   EXPECT_TRUE(values.WaitForLast({9}));
   const auto request = vsomeip::runtime::get()->create_request();
   request->set_service(kService);
-  request->set_instance(1);
+  request->set_instance(kInstance);
   request->set_method(kGet);
   request->set_interface_version(kMajor);
   app->send(request);
   EXPECT_TRUE(responses.WaitForLast({4, 2}));
-  app->stop_offer_service(kService, 1);
+  app->stop_offer_service(kService, kInstance);
   EXPECT_TRUE(availability.WaitForLast(false));
-  EXPECT_FALSE(app->is_available(kService, 1));
+  EXPECT_FALSE(app->is_available(kService, kInstance));
 }
 
 TEST(NodeTest, InstancesOfOneServiceInOneApplicationAreToldApart) {
   Provider provider({1});
-  provider.Offer(2, {2});
-  Client first(1);
-  Client second(2);
+  provider.Offer(kSecondInstance, {2});
+  Client first;
+  Client second(kSecondInstance);
   for (Client* client : {&first, &second}) ASSERT_TRUE(client->availability.WaitForLast(true));
   EXPECT_EQ(first.Call(kGet).bytes, Bytes{1});
   EXPECT_EQ(second.Call(kGet).bytes, Bytes{2});
@@ -64,9 +65,9 @@ TEST(NodeTest, ReleasedServiceIsHeardOfAgainWhenItIsRequestedAgain) {
   Client client;
   client.Subscribe();
   ASSERT_TRUE(client.values.WaitForCount(1));
-  client->release_service(kService, 1);
-  EXPECT_FALSE(client->is_available(kService, 1));
-  client->request_service(kService, 1);
+  client->release_service(kService, kInstance);
+  EXPECT_FALSE(client->is_available(kService, kInstance));
+  client->request_service(kService, kInstance);
   ASSERT_TRUE(client.availability.WaitForCount(3));
   EXPECT_EQ(client.availability.Items(), (std::vector<bool>{false, true, true}));
   client.Subscribe();
@@ -78,13 +79,13 @@ TEST(NodeTest, ReleasedServiceIsHeardOfAgainWhenItIsRequestedAgain) {
 TEST(NodeTest, HandlerMayOwnWhatUnregistersAnother) {
   Node app("owner");
   std::shared_ptr<int> owned(new int, [&app](const int* number) {
-    app->unregister_message_handler(kService, 1, kSet);
+    app->unregister_message_handler(kService, kInstance, kSet);
     delete number;
   });
-  app->register_message_handler(kService, 1, kGet, [owned](const auto&) {});
+  app->register_message_handler(kService, kInstance, kGet, [owned](const auto&) {});
   const std::weak_ptr<int> end = owned;
   owned.reset();
-  app->unregister_message_handler(kService, 1, kGet);
+  app->unregister_message_handler(kService, kInstance, kGet);
   EXPECT_TRUE(end.expired());
 }
 
@@ -110,12 +111,12 @@ TEST(NodeTest, WrongVersionIsAnsweredAndUnknownMethodIsNot) {
 
 TEST(NodeTest, SubscriptionToAnUnknownEventgroupIsRejectedUntilItIsThere) {
   Node provider("late");
-  provider->offer_service(kService, 1, kMajor);
+  provider->offer_service(kService, kInstance, kMajor);
   provider.Start();
   Client client;
   client.Subscribe();
   ASSERT_TRUE(client.status.WaitForLast(7));
-  provider->offer_event(kService, 1, kField, {kGroup}, vsomeip::event_type_e::ET_FIELD);
+  provider->offer_event(kService, kInstance, kField, {kGroup}, vsomeip::event_type_e::ET_FIELD);
   EXPECT_TRUE(client.status.WaitForLast(0));
 }
 
@@ -126,7 +127,7 @@ TEST(NodeTest, FieldSendsChangesOnlyUnlessForced) {
   ASSERT_TRUE(client.values.WaitForCount(1));
   provider.Notify({1});  // unchanged
   provider.Notify({2});
-  provider->notify(kService, 1, kField, MakePayload({2}), true);
+  provider->notify(kService, kInstance, kField, MakePayload({2}), true);
   provider.Notify({3});
   ASSERT_TRUE(client.values.WaitForLast({3}));
   EXPECT_EQ(client.values.Items(), (std::vector<Bytes>{{1}, {2}, {2}, {3}}));
@@ -135,21 +136,21 @@ TEST(NodeTest, FieldSendsChangesOnlyUnlessForced) {
 TEST(NodeTest, SecondEventOfAnEventgroupGetsItsValueToo) {
   constexpr vsomeip::event_t kOther = kField + 1;
   Provider provider({1});
-  provider->offer_event(kService, 1, kOther, {kGroup}, vsomeip::event_type_e::ET_FIELD);
-  provider->notify(kService, 1, kOther, MakePayload({5}));
+  provider->offer_event(kService, kInstance, kOther, {kGroup}, vsomeip::event_type_e::ET_FIELD);
+  provider->notify(kService, kInstance, kOther, MakePayload({5}));
   Client client;
   client.Subscribe();
   ASSERT_TRUE(client.values.WaitForLast({1}));
   Record<std::uint16_t> status;
-  client->register_subscription_status_handler(kService, 1, kGroup, kOther,
+  client->register_subscription_status_handler(kService, kInstance, kGroup, kOther,
                                                [&](auto, auto, auto, auto, std::uint16_t code) { status.Add(code); });
-  client->request_event(kService, 1, kOther, {kGroup}, vsomeip::event_type_e::ET_FIELD);
-  client->subscribe(kService, 1, kGroup, kMajor, kOther);
+  client->request_event(kService, kInstance, kOther, {kGroup}, vsomeip::event_type_e::ET_FIELD);
+  client->subscribe(kService, kInstance, kGroup, kMajor, kOther);
   EXPECT_TRUE(client.values.WaitForLast({5}));
   EXPECT_TRUE(status.WaitForLast(0));
 
-  client->unsubscribe(kService, 1, kGroup, kOther);
-  provider->notify(kService, 1, kOther, MakePayload({6}));
+  client->unsubscribe(kService, kInstance, kGroup, kOther);
+  provider->notify(kService, kInstance, kOther, MakePayload({6}));
   provider.Notify({2});
   EXPECT_TRUE(client.values.WaitForLast({2}));
   for (const Bytes& value : client.values.Items()) EXPECT_NE(value, Bytes{6});
@@ -157,13 +158,13 @@ TEST(NodeTest, SecondEventOfAnEventgroupGetsItsValueToo) {
 
 TEST(NodeTest, CyclicEventRepeatsItsValue) {
   Node provider("cyclic");
-  provider->offer_event(kService, 1, kField, {kGroup}, vsomeip::event_type_e::ET_EVENT, 5ms, false, false);
-  provider->offer_service(kService, 1, kMajor);
+  provider->offer_event(kService, kInstance, kField, {kGroup}, vsomeip::event_type_e::ET_EVENT, 5ms, false, false);
+  provider->offer_service(kService, kInstance, kMajor);
   provider.Start();
   Client client;
   client.Subscribe();
   ASSERT_TRUE(client.status.WaitForLast(0));
-  provider->notify(kService, 1, kField, MakePayload({7}));
+  provider->notify(kService, kInstance, kField, MakePayload({7}));
   EXPECT_TRUE(client.values.WaitForCount(3));
 }
 
@@ -187,10 +188,11 @@ TEST(NodeTest, BlockedHandlerStopsNeitherDiscoveryNorOtherHandlers) {
   Provider provider({1});
   std::promise<void> entered;
   std::promise<void> release;
-  provider->register_message_handler(kService, 1, 0x0050, [&](const auto&) {
-    entered.set_value();
-    release.get_future().wait();
-  });
+  provider->register_message_handler(kService, kInstance, 0x0050,
+                                     [&entered, released = release.get_future().share()](const auto&) {
+                                       entered.set_value();
+                                       released.wait();
+                                     });
   Client client;
   ASSERT_TRUE(client.availability.WaitForLast(true));
   client.Send(0x0050);
@@ -200,6 +202,12 @@ TEST(NodeTest, BlockedHandlerStopsNeitherDiscoveryNorOtherHandlers) {
   newcomer.Subscribe();
   EXPECT_TRUE(newcomer.values.WaitForLast({1}));
   EXPECT_EQ(newcomer.Call(kGet).bytes, Bytes{1});
+
+  const auto begin = std::chrono::steady_clock::now();
+  provider->stop();  // leaves the handler behind
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, 1s);
+  EXPECT_TRUE(client.availability.WaitForLast(false, 1s));
+  EXPECT_FALSE(provider->is_available(kService, kInstance));
   release.set_value();
 }
 
@@ -211,7 +219,7 @@ TEST(NodeTest, StopWaitsForARunningHandlerAndForgetsTheRest) {
   std::atomic<int> calls{0};
   std::atomic<bool> stopped{false};
   std::atomic<bool> called_after_stop{false};
-  (*client)->register_message_handler(kService, 1, kReverse, [&](const auto&) {
+  (*client)->register_message_handler(kService, kInstance, kReverse, [&](const auto&) {
     if (stopped) called_after_stop = true;
     if (++calls == 1) entered.set_value();
   });

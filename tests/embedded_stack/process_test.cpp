@@ -14,12 +14,13 @@ namespace {
 class Process {
  public:
   Process(int byte, std::size_t size, const std::string& configuration = "") {
+    const std::string instance = std::to_string(kInstance);
     const std::string byte_text = std::to_string(byte);
     const std::string size_text = std::to_string(size);
     pid_ = fork();
     if (pid_ != 0) return;
     if (!configuration.empty()) setenv("VSOMEIP_CONFIGURATION", configuration.c_str(), 1);
-    execl(FIELD_PROVIDER, "field_provider", "1", byte_text.c_str(), size_text.c_str(), nullptr);
+    execl(FIELD_PROVIDER, "field_provider", instance.c_str(), byte_text.c_str(), size_text.c_str(), nullptr);
     std::perror("cannot start the provider");
     _exit(127);
   }
@@ -68,7 +69,7 @@ TEST(RestartTest, KilledProviderIsNoticedAndTheSubscriptionRestored) {
   provider->End(SIGKILL);
   ASSERT_TRUE(client.availability.WaitForLast(false));
   EXPECT_LT(std::chrono::steady_clock::now() - killed, 3500ms);
-  EXPECT_FALSE(client->is_available(kService, 1));
+  EXPECT_FALSE(client->is_available(kService, kInstance));
 
   provider = std::make_unique<Process>(2, 3);
   ASSERT_TRUE(client.values.WaitForLast({2, 2, 2}));
@@ -79,8 +80,9 @@ TEST(RestartTest, KilledProviderIsNoticedAndTheSubscriptionRestored) {
 
 // With and without an address that is the same again after the restart.
 TEST(RestartTest, QuickRestartIsNoticedAtOnce) {
-  const std::string file = testing::TempDir() + "embedded_stack_restart.json";
-  std::ofstream(file) << R"({"unicast": "127.0.0.77", "service-discovery": {"ttl": "3"}})";
+  const std::string file = testing::TempDir() + "embedded_stack_restart" + std::to_string(getpid()) + ".json";
+  const std::string address = "127.99." + std::to_string(kInstance >> 8U) + "." + std::to_string(kInstance & 0xFFU);
+  std::ofstream(file) << R"({"unicast": ")" << address << R"(", "service-discovery": {"ttl": "3"}})";
   for (const std::string& configuration : {std::string(), file}) {
     auto provider = std::make_unique<Process>(1, 3, configuration);
     Client client;

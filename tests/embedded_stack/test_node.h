@@ -8,6 +8,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -20,6 +21,9 @@ using Bytes = std::vector<vsomeip::byte_t>;
 using namespace std::chrono_literals;
 
 inline constexpr vsomeip::service_t kService = 0x4711;
+// Of this process's own, so that tests that run at the same time do not meet.
+inline const auto kInstance = static_cast<vsomeip::instance_t>(1 + 2 * (getpid() % 0x7FF0));
+inline const auto kSecondInstance = static_cast<vsomeip::instance_t>(kInstance + 1);
 inline constexpr vsomeip::major_version_t kMajor = 3;
 inline constexpr vsomeip::method_t kGet = 0x0010;      // answers with the field's value
 inline constexpr vsomeip::method_t kSet = 0x0011;      // takes and notifies a new value, answers with nothing
@@ -77,7 +81,10 @@ class Node {
   }
   Node(const Node&) = delete;
   Node& operator=(const Node&) = delete;
-  ~Node() {
+  ~Node() { Stop(); }
+
+  // Called first by the destructors of those who have members that handlers use.
+  void Stop() {
     app_->stop();
     if (thread_.joinable()) thread_.join();
   }
@@ -95,11 +102,13 @@ class Node {
 // Offers the service with one field.
 class Provider : public Node {
  public:
-  explicit Provider(Bytes value, vsomeip::instance_t instance = 1, const std::string& configuration = "")
+  explicit Provider(Bytes value, vsomeip::instance_t instance = kInstance, const std::string& configuration = "")
       : Node("provider", configuration), instance_(instance) {
     Offer(instance, std::move(value));
     Start();
   }
+  ~Provider() { Stop(); }
+
   void Offer(vsomeip::instance_t instance, const Bytes& value) {
     Node& app = *this;
     app->register_message_handler(kService, instance, kReverse,
@@ -128,7 +137,7 @@ class Provider : public Node {
 // Uses one instance of the service, and records everything that it hears.
 class Client : public Node {
  public:
-  explicit Client(vsomeip::instance_t instance = 1, const std::string& configuration = "")
+  explicit Client(vsomeip::instance_t instance = kInstance, const std::string& configuration = "")
       : Node("client", configuration), instance_(instance) {
     Node& app = *this;
     app->register_availability_handler(kService, instance, [this](auto, auto, bool is) { availability.Add(is); });
@@ -141,6 +150,8 @@ class Client : public Node {
     app->request_event(kService, instance, kField, {kGroup}, vsomeip::event_type_e::ET_FIELD);
     Start();
   }
+  ~Client() { Stop(); }
+
   void Subscribe() { (*this)->subscribe(kService, instance_, kGroup, kMajor, kField); }
 
   vsomeip::request_t Send(vsomeip::method_t method, const Bytes& bytes = {},

@@ -1,6 +1,6 @@
-"""Checks the stack from outside: scapy, which knows nothing of it, takes part as a node at 127.0.0.98.
+"""Checks the stack from outside: scapy, which knows nothing of it, takes part as a node.
 
-Usage: wire_check.py FIELD_PROVIDER. The provider offers service 0x4711, instance 1, version 3.7, with one field.
+Usage: wire_check.py FIELD_PROVIDER. The provider offers service 0x4711 in version 3.7 with one field.
 """
 import ctypes
 import os
@@ -18,8 +18,10 @@ try:
 except ImportError as error:
     sys.exit(f"this check needs scapy (Debian: python3-scapy), but: {error}")
 
-OWN, GROUP, SD_PORT = "127.0.0.98", "224.244.224.245", 30490
-SERVICE, INSTANCE, MAJOR, MINOR = 0x4711, 1, 3, 7
+# Address and instance are of this process's own, so that tests that run at the same time do not meet.
+OWN = f"127.98.{os.getpid() >> 7 & 0xFF}.{1 + (os.getpid() & 0x7F)}"
+GROUP, SD_PORT = "224.244.224.245", 30490
+SERVICE, INSTANCE, MAJOR, MINOR = 0x4711, 1 + os.getpid() % 0xFFF0, 3, 7
 GETTER, FIELD, EVENTGROUP = 0x0010, 0x8010, 0x0021
 FIND, OFFER, SUBSCRIBE, ACKNOWLEDGE = 0, 1, 6, 7  # types of discovery entries
 VALUE = bytes([0x5A]) * 5000
@@ -69,7 +71,7 @@ def check_sd_header(what, packet):
 def check_offer(what, packet, sender):
     """Returns the endpoint in the offer."""
     check_sd_header(what, packet)
-    offer = entries(packet, OFFER)[0]
+    offer = next(entry for entry in entries(packet, OFFER) if entry.inst_id == INSTANCE)
     expect(f"{what}: identity", (offer.srv_id, offer.inst_id, offer.major_ver, offer.minor_ver),
            (SERVICE, INSTANCE, MAJOR, MINOR))
     expect(f"{what}: time to live", offer.ttl, 3)
@@ -135,12 +137,12 @@ def check(provider_pid):
     data = udp_socket(OWN, 0)
     data.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 1 << 20)
 
-    is_ours = lambda packet: any(entry.srv_id == SERVICE for entry in entries(packet, OFFER))
+    is_ours = lambda packet: any((entry.srv_id, entry.inst_id) == (SERVICE, INSTANCE) for entry in entries(packet, OFFER))
     packet, sender = receive(group, "offer", is_ours)
     expect("port of discovery", sender[1], SD_PORT)
     endpoint = check_offer("offer", packet, sender)
 
-    find = SDEntry_Service(type=FIND, srv_id=SERVICE, inst_id=0xFFFF, major_ver=0xFF, ttl=3, minor_ver=0xFFFFFFFF)
+    find = SDEntry_Service(type=FIND, srv_id=SERVICE, inst_id=INSTANCE, major_ver=0xFF, ttl=3, minor_ver=0xFFFFFFFF)
     discovery.sendto(sd_packet(1, find), (GROUP, SD_PORT))
     packet, sender = receive(discovery, "answer to find", is_ours)
     expect("answer to find", check_offer("answer to find", packet, sender), endpoint)
