@@ -26,14 +26,36 @@ const VSomeIPServiceMapping::Mapping* VSomeIPServiceMapping::GetMappingForServic
 
 namespace {
 
-using embedded_stack_test::kGet;
-using embedded_stack_test::kMajor;
-using embedded_stack_test::kService;
-using embedded_stack_test::Provider;
+using embedded_stack_test::Node;
 using embedded_stack_test::Record;
 using testing::ElementsAre;
 
 constexpr std::uint16_t kAraService = 0x0A11;
+constexpr std::uint8_t kMajor = 3;
+constexpr std::uint16_t kGet = 0x4010;
+
+// Never searched for, so that nothing but requests makes it available.
+const std::uint16_t kUnwatched = FakeMapping().GetVSomeIPService() + 1;
+common::ServiceInstance Instance(std::uint16_t instance) { return {kUnwatched, instance, kMajor, 0}; }
+
+// Offers instances whose one method answers with nothing.
+class Provider : public Node {
+ public:
+  Provider(std::uint16_t service, std::uint16_t instance) : Node("provider"), service_(service) {
+    Offer(instance);
+    Start();
+  }
+  void Offer(std::uint16_t instance) {
+    (*this)->register_message_handler(service_, instance, kGet, [this](const auto& request) {
+      (*this)->send(::vsomeip::runtime::get()->create_response(request));
+    });
+    (*this)->offer_service(service_, instance, kMajor, 0);
+  }
+  void StopOffer(std::uint16_t instance) { (*this)->stop_offer_service(service_, instance, kMajor, 0); }
+
+ private:
+  const std::uint16_t service_;
+};
 
 struct Receiver {
   void OnMessage(const std::shared_ptr<::vsomeip::message>& message) { requests.Add(message->get_request()); }
@@ -41,14 +63,14 @@ struct Receiver {
 };
 
 void Register(std::uint16_t instance, const std::shared_ptr<Receiver>& receiver) {
-  common::registerMethodHandler(kService, instance, kGet, common::WeakMethodHandler(receiver, &Receiver::OnMessage),
+  common::registerMethodHandler(kUnwatched, instance, kGet, common::WeakMethodHandler(receiver, &Receiver::OnMessage),
                                 false);
 }
-void Unregister(std::uint16_t instance) { common::unregisterMethodHandler(kService, instance, kGet, false); }
+void Unregister(std::uint16_t instance) { common::unregisterMethodHandler(kUnwatched, instance, kGet, false); }
 
 ::vsomeip::request_t SendRequest(std::uint16_t instance) {
   const auto request = VSomeIPConnection::instance_.MessageRuntime()->create_request();
-  request->set_service(kService);
+  request->set_service(kUnwatched);
   request->set_instance(instance);
   request->set_method(kGet);
   request->set_interface_version(kMajor);
@@ -65,13 +87,11 @@ struct Follower {
   const std::uint64_t token;
 };
 
-// Each test has instances of its own: the connection is one for the process.
 using Request = VSomeIPConnection::RequestedServiceInstance;
-common::ServiceInstance Instance(std::uint16_t instance) { return {kService, instance, kMajor, 0}; }
 
 TEST(FindService, FollowsWhatIsOffered) {
   using List = InstanceIdentifierContainer;
-  Provider provider({1}, 0x11);
+  Provider provider(FakeMapping().GetVSomeIPService(), 0x11);
   EXPECT_THAT(Runtime::FindService(kAraService, InstanceIdentifier::Any()), ElementsAre("17"));  // it waits for that
   EXPECT_THAT(Runtime::FindService(kAraService, "0x12"), ElementsAre());
   EXPECT_THAT(Runtime::FindService(0x0A12, InstanceIdentifier::Any()), ElementsAre());
@@ -82,7 +102,7 @@ TEST(FindService, FollowsWhatIsOffered) {
   };
   const auto follow_all = Runtime::StartFindService(kAraService, InstanceIdentifier::Any(), record(all));
   EXPECT_TRUE(all.WaitForLast({"17"}));
-  provider.Offer(0x12, {2});
+  provider.Offer(0x12);
   EXPECT_TRUE(all.WaitForLast({"17", "18"}));
 
   // Those who come later hear of what is there already.
@@ -94,7 +114,7 @@ TEST(FindService, FollowsWhatIsOffered) {
   });
   EXPECT_TRUE(first.WaitForCount(1));
 
-  provider->stop_offer_service(kService, 0x12, kMajor, 0);
+  provider.StopOffer(0x12);
   EXPECT_TRUE(all.WaitForLast({"17"}));
   EXPECT_TRUE(one.WaitForLast({}));
   EXPECT_THAT(one.Items(), ElementsAre(ElementsAre("18"), ElementsAre()));
@@ -104,18 +124,18 @@ TEST(FindService, FollowsWhatIsOffered) {
 }
 
 TEST(Connection, EachFollowerHearsItsChangesAndTheLastReleaseCounts) {
-  Provider provider({1}, 0x21);
+  Provider provider(kUnwatched, 0x21);
   Request one(Instance(0x21)), other(Instance(0x21));
   Follower early(one);
   ASSERT_TRUE(early.states.WaitForLast(true));
   {
     Follower late(one);
     ASSERT_TRUE(late.states.WaitForLast(true));
-    provider->stop_offer_service(kService, 0x21, kMajor, 0);
+    provider.StopOffer(0x21);
     EXPECT_TRUE(late.states.WaitForLast(false));
     EXPECT_TRUE(early.states.WaitForLast(false));
   }
-  provider.Offer(0x21, {1});
+  provider.Offer(0x21);
   EXPECT_TRUE(early.states.WaitForLast(true));
   EXPECT_THAT(early.states.Items(), ElementsAre(true, false, true));
 
@@ -135,7 +155,7 @@ TEST(Connection, EachFollowerHearsItsChangesAndTheLastReleaseCounts) {
 }
 
 TEST(MethodHandlers, EveryLivingHandlerGetsEveryMessage) {
-  Provider provider({1}, 0x31);
+  Provider provider(kUnwatched, 0x31);
   Request request(Instance(0x31));
   Follower follower(request);
   ASSERT_TRUE(follower.states.WaitForLast(true));
@@ -220,7 +240,7 @@ TEST(ConnectionDeathTest, IsStoppedAtExitWhateverOutlivesIt) {
       Unregister(0x51);
       common::unregisterAvailabilityHandler(1);
       VSomeIPConnection::instance_.DoReleaseService(Instance(0x51));
-      VSomeIPConnection::instance_.Application()->unsubscribe(kService, 0x51, 1);
+      VSomeIPConnection::instance_.Application()->unsubscribe(kUnwatched, 0x51, 1);
       if (!ThreadsEnd(threads)) {
         std::_Exit(1);
       }
@@ -228,7 +248,7 @@ TEST(ConnectionDeathTest, IsStoppedAtExitWhateverOutlivesIt) {
     VSomeIPConnection::instance_.DoRequestService(Instance(0x51));
     Register(0x51, std::make_shared<Receiver>());
     common::registerAvailabilityHandler(Instance(0x51), [](bool) {});
-    VSomeIPConnection::instance_.Application()->subscribe(kService, 0x51, 1);
+    VSomeIPConnection::instance_.Application()->subscribe(kUnwatched, 0x51, 1);
     std::exit(CountThreads() > threads ? 0 : 2);
   };
   EXPECT_EXIT(use_and_exit(), testing::ExitedWithCode(0), "");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <stdexcept>
+#include <unistd.h>
 #include <vector>
 
 #include "registry/service_mapping.h"
@@ -11,7 +12,10 @@ namespace ara::com::internal::vsomeip::runtime {
 struct FakeMapping final : VSomeIPServiceMapping::Mapping {
   std::shared_ptr<internal::proxy::ProxyFactory> GetProxy(std::uint16_t) const override { return nullptr; }
   std::uint16_t GetServiceId() const override { return 0x0A11; }
-  std::uint16_t GetVSomeIPService() const override { return 0x4711; }
+  // Of this process alone, because other tests may run on the same machine at the same time.
+  std::uint16_t GetVSomeIPService() const override {
+    return static_cast<std::uint16_t>(0x8000 + 2 * (::getpid() & 0x1FFF));
+  }
   std::unique_ptr<vsomeip::skeleton::ServiceImplBase> GetSkeleton(internal::skeleton::ServiceBase&,
                                                                   std::uint16_t) const override {
     throw std::logic_error("no test asks for a skeleton");
