@@ -1,6 +1,7 @@
 #include "tools/tarn7/values/json.h"
 
 #include <cerrno>
+#include <charconv>
 #include <cstring>
 #include <fstream>
 #include <iostream>
@@ -16,6 +17,36 @@ namespace {
 std::string WithoutIdentifier(const std::string& text) {
   const std::size_t end = text.find("] ");
   return end == std::string::npos ? text : text.substr(end + 2);
+}
+
+/// The fewest digits that identify the number, which the JSON library's own writer does not always find.
+std::string ToText(double number) {
+  char digits[32];
+  std::string text(digits, std::to_chars(digits, digits + sizeof(digits), number).ptr);
+  return text.find_first_of(".e") == std::string::npos ? text + ".0" : text;
+}
+
+void AppendTo(std::string& text, const Json& json) {
+  if (json.is_number_float()) {
+    text += ToText(json.get<double>());
+    return;
+  }
+  if (!json.is_structured()) {
+    text += json.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return;
+  }
+  text += json.is_array() ? '[' : '{';
+  const char* separator = "";
+  for (const auto& item : json.items()) {
+    text += separator;
+    separator = ",";
+    if (json.is_object()) {
+      AppendTo(text, item.key());
+      text += ':';
+    }
+    AppendTo(text, item.value());
+  }
+  text += json.is_array() ? ']' : '}';
 }
 
 }  // namespace
@@ -40,7 +71,11 @@ Json ParseJsonFile(const std::string& path) {
   return ParseJson(text, path);
 }
 
-std::string ToText(const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace); }
+std::string ToText(const Json& json) {
+  std::string text;
+  AppendTo(text, json);
+  return text;
+}
 
 std::string ToHex(const unsigned char* data, std::size_t size) {
   constexpr char kDigits[] = "0123456789abcdef";

@@ -14,12 +14,11 @@ void Place::Fail(const std::string& text) const { throw ValueError(ToString() + 
 
 void Place::AppendTo(std::string& text) const {
   if (parent_ == nullptr) {
-    text += name_;
     return;
   }
   parent_->AppendTo(text);
-  if (name_.empty()) {
-    text += '[' + std::to_string(index_) + ']';
+  if (index_) {
+    text += '[' + std::to_string(*index_) + ']';
   } else {
     text += text.empty() ? "" : ".";
     text += name_;

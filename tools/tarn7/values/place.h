@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -23,8 +24,8 @@ class Place {
   void AppendTo(std::string& text) const;
 
   const Place* parent_ = nullptr;
-  std::string_view name_;  // empty for an element of an array
-  std::size_t index_ = 0;
+  std::string_view name_;
+  std::optional<std::size_t> index_;  // of an element of an array
 };
 
 }  // namespace tarn7::tool

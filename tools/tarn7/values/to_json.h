@@ -40,8 +40,8 @@ struct MemberToJson {
   }
 };
 
-/// The number whose shortest text is the shortest one that identifies the value in its own precision: a float is
-/// 0.1, not what 0.1 is as a double.
+/// The number whose text has the fewest digits that identify the value in its own precision: the float 0.1 is 0.1, and
+/// not 0.10000000149011612.
 template <typename T>
 Json FloatToJson(T value) {
   if (std::isnan(value)) {
@@ -51,7 +51,7 @@ Json FloatToJson(T value) {
     return value > 0 ? "Infinity" : "-Infinity";
   }
   char text[64];
-  const auto end = std::to_chars(text, text + sizeof(text), value).ptr;
+  const auto end = std::to_chars(text, text + sizeof(text), value, std::chars_format::scientific).ptr;
   double number = 0;
   std::from_chars(text, end, number);
   return number;

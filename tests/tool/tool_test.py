@@ -1,0 +1,220 @@
+"""The built program, end to end: tool_test.py TARN7 STEERED_PROVIDER"""
+
+import json
+import random
+import select
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+DEADLINE = 20  # seconds, for whatever should happen at once
+TOOL, PROVIDER = sys.argv[1:3]
+ADDRESS = "energysystem/notifications"
+SETTABLE = "chargetimemanager/chargeTimeCalculations"
+VALUES = {
+    "notifications": [{"member0": 42}, {}],
+    "highVoltageBatteries": [{"member0": 7, "member1": 0.1, "member3": True}, {"member1": "NaN"}],
+}
+
+
+class Process:
+    """A process whose output lines can be waited for."""
+
+    def __init__(self, *command, errors=None):
+        self.process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                        stderr=errors or subprocess.DEVNULL, bufsize=0)
+
+    def wait_for(self, text, stream=None):
+        """The first line that holds the text."""
+        stream = stream or self.process.stdout
+        line, end = b"", time.monotonic() + DEADLINE
+        while select.select([stream], [], [], max(0, end - time.monotonic()))[0]:
+            byte = stream.read(1)
+            if not byte:
+                break
+            line += byte
+            if byte == b"\n":
+                if text.encode() in line:
+                    return line.decode()
+                line = b""
+        raise AssertionError(f"no line with '{text}' in time")
+
+    def end(self, number=signal.SIGINT):
+        """Exit status and the rest of standard error; without a signal it ends by itself."""
+        if number and self.process.poll() is None:
+            self.process.send_signal(number)
+        try:
+            _, errors = self.process.communicate(timeout=DEADLINE)
+        except subprocess.TimeoutExpired:
+            self.process.kill()
+            self.process.communicate()
+            raise
+        return self.process.returncode, (errors or b"").decode()
+
+
+def run(*arguments, text=None):
+    return subprocess.run([TOOL, *arguments], input=text, capture_output=True, text=True, timeout=DEADLINE, check=False)
+
+
+class ToolTest(unittest.TestCase):
+    def setUp(self):
+        self.instance = str(random.randrange(0x1000, 0xF000))
+
+    def start(self, *arguments):
+        process = Process(TOOL, *arguments, "--instance", self.instance, errors=subprocess.PIPE)
+        self.addCleanup(process.end)
+        return process
+
+    def simulate(self, *interfaces, values=None, period="50"):
+        arguments = ["simulate", *interfaces, "--period", period]
+        if values is not None:
+            arguments += ["--values", self.file(json.dumps(values))]
+        process = self.start(*arguments)
+        process.wait_for(f"offering {interfaces[-1]}", process.process.stderr)
+        return process
+
+    def file(self, text):
+        file = tempfile.NamedTemporaryFile("w", suffix=".json")  # pylint: disable=consider-using-with
+        self.addCleanup(file.close)
+        file.write(text)
+        file.flush()
+        return file.name
+
+    def run_here(self, *arguments, status=0, text=None):
+        result = run(*arguments, "--instance", self.instance, "--timeout", "8000", text=text)
+        self.assertEqual(result.returncode, status, result.stderr)
+        return result
+
+    def assert_unoffered(self):
+        result = run("get", ADDRESS, "--instance", self.instance, "--timeout", "300")
+        self.assertEqual((result.returncode, result.stdout), (2, ""))
+
+    def test_list_shows_what_the_library_knows(self):
+        interfaces = {entry["interface"]: entry for entry in json.loads(run("list", "--json").stdout)}
+        energy = interfaces["energysystem"]
+        self.assertEqual((energy["service"], energy["majorVersion"], energy["minorVersion"]), (0x6005, 4, 3))
+        fields = {field["field"]: field for field in energy["fields"]}
+        self.assertEqual(fields["notifications"]["getter"], 0x4010)
+        self.assertEqual(fields["notifications"]["eventgroup"], 0xC010)
+        self.assertEqual(fields["highVoltageBatteries"]["members"][1], {"id": 1, "name": "member1", "type": "float"})
+        table = run("list").stdout
+        for interface in interfaces.values():
+            for field in interface["fields"]:
+                self.assertRegex(table, rf"{field['field']} +getter 0x{field['getter']:04X}")
+
+    def test_help_and_version(self):
+        self.assertRegex(run("--version").stdout, r"^tarn7 \d+\.\d+\.\d+")
+        for command in ("list", "get", "set", "watch", "simulate"):
+            self.assertIn("Example:", run(command, "--help").stdout)
+
+    def test_wrong_usage_and_wrong_values_are_refused_before_anything_is_sent(self):
+        file = self.file
+        for status, message, *arguments in (
+                (1, "subcommand"),
+                (1, "--nonsense", "get", ADDRESS, "--nonsense"),
+                (1, "FIELD", "get"),
+                (1, "--instance", "get", ADDRESS, "--instance", "65535"),
+                (1, "--timeout", "get", ADDRESS, "--timeout", "-1"),
+                (1, "--period", "simulate", "energysystem", "--period", "0"),
+                (1, "did you mean 'energysystem'?", "get", "energysytem/notifications"),
+                (1, "did you mean 'energysystem/notifications'?", "watch", "energysystem/notification"),
+                (1, "write INTERFACE/FIELD", "get", "energysystem"),
+                (1, "has no setter", "set", ADDRESS, "[]"),
+                (4, "line 1, column 3", "set", SETTABLE, "[{"),
+                (4, "[0].membre0: no such member; did you mean member0?", "set", SETTABLE, '[{"membre0":1}]'),
+                (4, "[0].member2: 65536 does not fit a 16-bit", "set", SETTABLE, '[{"member2":65536}]'),
+                (4, "expected an array", "set", SETTABLE, "7"),
+                (4, "cannot be read", "simulate", "energysystem", "--values", "/nonexistent"),
+                (4, "parse error", "simulate", "energysystem", "--values", file('{"notifications":[')),
+                (4, "expected an object", "simulate", "energysystem", "--values", file("[]")),
+                (4, "did you mean 'notifications'?", "simulate", "energysystem", "--values", file('{"notfications":[]}')),
+                (4, "notifications: [0].member0: -1 does not fit", "simulate", "energysystem", "--values",
+                 file('{"notifications":[{"member0":-1}]}'))):
+            with self.subTest(arguments=arguments):
+                result = run(*arguments)
+                self.assertEqual((result.returncode, result.stdout), (status, ""), result.stderr)
+                self.assertIn(message, result.stderr)
+
+    def test_get(self):
+        self.simulate("energysystem", values=VALUES)
+        for field, value in VALUES.items():
+            self.assertEqual(json.loads(self.run_here("get", "energysystem/" + field).stdout), value)
+        payload = self.run_here("get", ADDRESS, "--hex").stdout
+        self.assertEqual(payload, "0000000e" "00000006" "20000000002a" "00000000" "\n")
+
+    def test_get_waits_for_the_service(self):
+        self.assert_unoffered()
+        late = self.start("get", ADDRESS, "--timeout", str(1000 * DEADLINE))
+        self.simulate("energysystem", values=VALUES)
+        self.assertEqual(json.loads(late.wait_for("[")), VALUES["notifications"])
+        result = run("get", ADDRESS, "--hex", "--instance", "0xFFF0", "--timeout", "100")
+        self.assertEqual((result.returncode, result.stdout), (2, ""))
+
+    def test_failed_calls(self):
+        provider = Process(PROVIDER)
+        self.addCleanup(provider.end)
+        for command in (f"offer 6005 {int(self.instance):x} 4 3 4010 4020",
+                        "fail 4010 00000013" "01" "0010" "8000000000001267" "00000001" "00000000", "set 4020 000000ff"):
+            provider.process.stdin.write(command.encode() + b"\n")
+            provider.wait_for("done")
+        for message, *arguments in (("domain Com (0x8000000000001267), code 1: Service is not available.", ADDRESS),
+                                    ("domain Com (0x8000000000001267), code 1: Service is not available.", ADDRESS, "--hex"),
+                                    ("code 3", "energysystem/highVoltageBatteries")):
+            result = self.run_here("get", *arguments, status=3)
+            self.assertEqual(result.stdout, "")
+            self.assertIn(message, result.stderr)
+        self.assertEqual(self.run_here("get", "energysystem/highVoltageBatteries", "--hex").stdout, "000000ff\n")
+
+    def test_watch_follows_fields(self):
+        watch = self.start("watch", "energysystem", ADDRESS, "--count", "12")  # before there is a service
+        begin = time.time()
+        self.simulate("energysystem", values=VALUES)
+        samples = [json.loads(watch.wait_for("{")) for _ in range(12)]
+        self.assertEqual(watch.end(None)[0], 0)
+        for sample in samples:
+            self.assertEqual(list(sample), ["time", "interface", "field", "value"])
+            self.assertTrue(begin - 1 <= sample["time"] <= time.time() + 1)
+            self.assertEqual(sample["value"], VALUES.get(sample["field"], sample["value"]))
+        self.assertEqual({sample["field"] for sample in samples},
+                         {"highVoltageBatteries", "lowVoltageBatteries", "lowVoltageSystemInfo", "notifications"})
+        moving = [sample["value"] for sample in samples if sample["field"] == "lowVoltageBatteries"]
+        self.assertNotEqual(moving[0], moving[-1])
+
+    def test_watch_ends(self):
+        self.simulate("energysystem", values=VALUES, period="100000")
+        watch = self.start("watch", ADDRESS)
+        watch.wait_for(ADDRESS.split("/")[1])
+        status, errors = watch.end(signal.SIGINT)
+        self.assertEqual(status, 0)
+        self.assertRegex(errors, r"(?m)^[12] samples$")
+        in_vain = run("watch", ADDRESS, "--count", "100", "--timeout", "500", "--instance", self.instance)
+        self.assertEqual(in_vain.returncode, 2)
+        self.assertIn("of 100 samples came in time", in_vain.stderr)
+        self.assertEqual(run("watch", ADDRESS, "--timeout", "100", "--instance", "0xFFF1").returncode, 2)
+
+    def test_watch_ends_when_its_reader_leaves(self):
+        self.simulate("energysystem")
+        watch = self.start("watch", "energysystem")
+        watch.wait_for("{")
+        watch.process.stdout.close()
+        self.assertEqual(watch.process.wait(DEADLINE), 0)
+
+    def test_set_is_what_getters_and_notifications_carry(self):
+        simulation = self.simulate("energysystem", "chargetimemanager")
+        value = [{"member0": 1, "member3": "00ff", "member5": [1, 65535], "member6": False}, {}]
+        self.assertEqual(json.loads(self.run_here("set", SETTABLE, json.dumps(value)).stdout), value)
+        self.assertEqual(json.loads(self.run_here("get", SETTABLE).stdout), value)
+        self.assertEqual(json.loads(self.run_here("watch", SETTABLE, "--count", "1").stdout)["value"], value)
+        self.assertEqual(self.run_here("set", SETTABLE, "-", text="[]").stdout, "[]\n")
+        self.run_here("set", SETTABLE, "[{]", status=4)
+        status, errors = simulation.end(signal.SIGTERM)
+        self.assertEqual(status, 0)
+        self.assertIn("chargetimemanager: 1 values read, 2 set", errors)
+        self.assert_unoffered()
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1], verbosity=2)
