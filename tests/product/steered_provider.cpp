@@ -5,6 +5,7 @@
 //   takes the offer back; it can be offered again
 // Numbers are hexadecimal. Each command is answered with a line "done". The end of the input ends the process.
 
+#include <cstdio>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -12,6 +13,7 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 #include <vsomeip/vsomeip.hpp>
@@ -118,9 +120,13 @@ class Provider {
 }  // namespace
 
 int main() {
+  // A stack may log to standard output: that goes to standard error, and the answers have a stream of their own.
+  std::FILE* const answers = fdopen(dup(STDOUT_FILENO), "w");
+  dup2(STDERR_FILENO, STDOUT_FILENO);
   Provider provider;
   for (std::string line; std::getline(std::cin, line);) {
     provider.Execute(line);
-    std::cout << "done" << std::endl;
+    std::fputs("done\n", answers);
+    std::fflush(answers);
   }
 }

@@ -67,15 +67,15 @@ class Provider {
   void OfferAgain() {
     char command[64];
     std::snprintf(command, sizeof(command), "offer 6005 %x 4 3 4020 4030 4040 4010", static_cast<unsigned>(instance_));
-    process_->Ask(command);
+    process_->Tell(command);
     // The values of fields do not survive the end of an offer.
     for (const auto& [field, hex] : values_) {
-      process_->Ask("set " + field + " " + hex);
+      process_->Tell("set " + field + " " + hex);
     }
   }
   void Set(const std::string& field, const std::string& hex) {
     values_[field] = hex;
-    process_->Ask("set " + field + " " + hex);
+    process_->Tell("set " + field + " " + hex);
   }
   void SetNumber(unsigned number) {
     char hex[32];
@@ -159,7 +159,7 @@ TEST_F(TwoProcessTest, ReadsAndFollowsEveryField) {
 TEST_F(TwoProcessTest, DeliversTheProvidersError) {
   provider_.Offer();
   EnergySystemProxy proxy(WaitForHandle());
-  provider_.Process().Ask("fail 4010 0000001301001080000000000012670000000100000007");
+  provider_.Process().Tell("fail 4010 0000001301001080000000000012670000000100000007");
   const auto result = GetFrom(proxy.notifications);
   ASSERT_FALSE(result.HasValue());
   EXPECT_EQ(result.error(), MakeErrorCode(ara::com::ComErrc::kServiceNotAvailable));
@@ -185,7 +185,7 @@ TEST_F(TwoProcessTest, OutlivesAWithdrawnOffer) {
   EnergySystemProxy proxy(WaitForHandle());
   Follow(proxy);
   ASSERT_TRUE(states_.WaitFor(SubscriptionState::kSubscribed));
-  provider_.Process().Ask("withdraw");
+  provider_.Process().Tell("withdraw");
   EXPECT_TRUE(states_.WaitFor(SubscriptionState::kSubscriptionPending));
   provider_.OfferAgain();
   EXPECT_TRUE(states_.WaitFor(SubscriptionState::kSubscribed));
@@ -201,7 +201,7 @@ TEST_F(TwoProcessTest, FindsInstancesAsTheyComeAndGo) {
   EXPECT_TRUE(counts.WaitFor(1));
   const auto handles = EnergySystemProxy::FindService();
   EXPECT_THAT(handles, ::testing::Contains(EnergySystemProxy::HandleType(identifier_)));
-  provider_.Process().Ask("withdraw");
+  provider_.Process().Tell("withdraw");
   EXPECT_TRUE(counts.WaitFor(0));
   EXPECT_TRUE(EnergySystemProxy::FindService(identifier_).empty());
   EnergySystemProxy::StopFindService(search);
@@ -211,7 +211,7 @@ TEST_F(TwoProcessTest, FindsInstancesAsTheyComeAndGo) {
 TEST_F(TwoProcessTest, CarriesAValueOfAMebibyte) {
   provider_.Offer();
   EnergySystemProxy proxy(WaitForHandle());
-  provider_.Process().Ask("fill 4010 40000");
+  provider_.Process().Tell("fill 4010 40000");
   EXPECT_EQ(GetFrom(proxy.notifications).value().size(), 0x40000U);
   History<std::size_t> sizes;
   auto& field = proxy.notifications;

@@ -33,8 +33,9 @@ TEST_F(EventTest, SubscribesAndUnsubscribesInOrder) {
   application_.TakeCalls();
   field_.Subscribe(3);
   EXPECT_THAT(application_.TakeCalls(),
-              ElementsAre("request_event 6005 7 c010 c010 1 0", "register_subscription_status_handler 6005 7 c010 c010",
-                          "subscribe 6005 7 c010 4 c010", "register_message_handler 6005 7 c010"));
+              ElementsAre("register_message_handler 6005 7 c010", "request_event 6005 7 c010 c010 1 0",
+                          "register_subscription_status_handler 6005 7 c010 c010", "subscribe 6005 7 c010 4 c010",
+                          "register_message_handler 6005 7 c010"));
   EXPECT_EQ(field_.GetSubscriptionState(), SubscriptionState::kSubscriptionPending);
   EXPECT_EQ(field_.GetFreeSampleCount(), 3U);
   Acknowledge();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdio>
+#include <cstring>
 #include <signal.h>
 #include <stdexcept>
 #include <string>
@@ -38,15 +39,14 @@ class ChildProcess {
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
-  /// Writes a line and waits for the line that answers it.
-  std::string Ask(const std::string& line) {
+  /// Writes a line and waits for the line that says that it was done.
+  void Tell(const std::string& line) {
     std::fputs((line + "\n").c_str(), input_);
     std::fflush(input_);
-    char answer[256] = {};
-    if (std::fgets(answer, sizeof(answer), output_) == nullptr) {
-      throw std::runtime_error("the process is gone: " + line);
+    char answer[16] = {};
+    if (std::fgets(answer, sizeof(answer), output_) == nullptr || std::strcmp(answer, "done\n") != 0) {
+      throw std::runtime_error("the process did not do as it was told: " + line);
     }
-    return answer;
   }
 
   /// Ends the process without giving it a chance to say good-bye.

@@ -63,6 +63,15 @@ void EventSubscription::Leave(const EventSubscriber& subscriber) {
 void EventSubscription::Begin() {
   const auto application = runtime::VSomeIPConnection::instance_.Application();
   const std::weak_ptr<EventSubscription> weak = weak_from_this();
+  const auto onMessage = [weak](const std::shared_ptr<::vsomeip::message>& message) {
+    if (const auto self = weak.lock()) {
+      self->OnMessage(message);
+    }
+  };
+  // The stack looks for the handler when a notification arrives, and the first one, the field's value as it stands, may
+  // be here before subscribe() has returned. So the handler must be there already; where its registration belongs,
+  // after the subscription, it is repeated, which changes nothing.
+  application->register_message_handler(event_.service, event_.instance, event_.event, onMessage);
   application->request_event(event_.service, event_.instance, event_.event, event_.eventgroups, event_.type);
   application->register_subscription_status_handler(event_.service, event_.instance, event_.eventgroup, event_.event,
                                                     [weak](auto, auto, auto, auto, std::uint16_t status) {
@@ -71,12 +80,7 @@ void EventSubscription::Begin() {
                                                       }
                                                     });
   application->subscribe(event_.service, event_.instance, event_.eventgroup, event_.major, event_.event);
-  application->register_message_handler(event_.service, event_.instance, event_.event,
-                                        [weak](const std::shared_ptr<::vsomeip::message>& message) {
-                                          if (const auto self = weak.lock()) {
-                                            self->OnMessage(message);
-                                          }
-                                        });
+  application->register_message_handler(event_.service, event_.instance, event_.event, onMessage);
   if (common::registerAvailabilityHandler != nullptr) {
     availability_token_ = common::registerAvailabilityHandler(
         {event_.service, event_.instance, event_.major, event_.minor}, [weak](bool available) {
