@@ -13,7 +13,11 @@ class DltCarrier final : public Carrier {
  public:
   DltCarrier(const std::string& contextId, const std::string& description) {
     // Fails when the application has registered itself before, which is as good.
-    static const DltReturnValue registered = dlt_register_app("TRN7", "tarn7 vehicle services");
+    static const bool registered = [] {
+      constexpr std::uint32_t kExitDelay = 500;  // ms; without it a process ends ten seconds late where no daemon runs
+      dlt_set_resend_timeout_atexit(kExitDelay);
+      return dlt_register_app("TRN7", "tarn7 vehicle services") == DLT_RETURN_OK;
+    }();
     static_cast<void>(registered);
     dlt_register_context(&context_, contextId.c_str(), description.c_str());
   }

@@ -30,20 +30,39 @@ StackThread& StackThread::Get() {
 }
 
 std::shared_ptr<::vsomeip::application> StackThread::Start() {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  if (application_ != nullptr) {
-    return application_;
+  if (auto application = Started()) {
+    return application;
   }
+  const std::lock_guard<std::recursive_mutex> start_lock(start_mutex_);
+  if (auto application = Started()) {
+    return application;  // by another thread, meanwhile
+  }
+  if (starting_) {
+    throw std::runtime_error("The SOME/IP stack has given up while it was being started");
+  }
+  const struct Starting {  // ends with this call, however that ends
+    explicit Starting(bool& is_starting) : flag(is_starting) { flag = true; }
+    ~Starting() { flag = false; }
+    bool& flag;
+  } starting(starting_);
   const std::string name = ApplicationName();
   auto application = ::vsomeip::runtime::get()->create_application(name);
   if (application == nullptr || !application->init()) {
     throw std::runtime_error("The SOME/IP stack cannot be started for application '" + name + "'");
   }
-  thread_ = std::thread([this, application] { Run(*application); });
-  application_ = std::move(application);
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    thread_ = std::thread([this, application] { Run(*application); });
+    application_ = application;
+  }
   // Only now: what exits first was there last. So the stack's own static objects, which init() has made, are still
   // there when it is stopped, and static proxies made from here on have been destroyed before.
   std::atexit([] { Get().Stop(); });
+  return application;
+}
+
+std::shared_ptr<::vsomeip::application> StackThread::Started() {
+  const std::lock_guard<std::mutex> lock(mutex_);
   return application_;
 }
 

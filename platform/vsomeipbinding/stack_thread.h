@@ -25,9 +25,15 @@ class StackThread {
 
  private:
   StackThread() = default;
+  std::shared_ptr<::vsomeip::application> Started();  // whether stopped since or not
   void Run(::vsomeip::application& application);
 
-  std::mutex mutex_;  // guards the members below
+  // Guards starting_, and is held while the application is initialised. Recursive, because a stack that finds its
+  // installation broken ends the process from within: objects that are destroyed then come back to here.
+  std::recursive_mutex start_mutex_;
+  bool starting_ = false;
+
+  std::mutex mutex_;  // guards the members below; taken after start_mutex_
   std::shared_ptr<::vsomeip::application> application_;
   bool stopped_ = false;
   bool finished_ = false;  // the thread has left the application
