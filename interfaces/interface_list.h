@@ -4,6 +4,7 @@
 #include "interfaces/chargetimemanager/chargetimemanager_descriptors.h"
 #include "interfaces/energysystem/energysystem_descriptors.h"
 #include "interfaces/routebasedconsumption/routebasedconsumption_descriptors.h"
+#include "interfaces/routebasedenergycontents/routebasedenergycontents_descriptors.h"
 
 namespace kro::services {
 
@@ -12,5 +13,9 @@ using ConsumedInterfaces = ara::com::internal::vsomeip::common::TypeList<
     energysystem::energysystem_binding::vsomeip::descriptors::Interface,
     routebasedconsumption::routebasedconsumption_binding::vsomeip::descriptors::Interface,
     chargetimemanager::chargetimemanager_binding::vsomeip::descriptors::Interface>;
+
+/// The interfaces of which the library is the server.
+using ProvidedInterfaces = ara::com::internal::vsomeip::common::TypeList<
+    routebasedenergycontents::routebasedenergycontents_binding::vsomeip::descriptors::Interface>;
 
 }  // namespace kro::services

@@ -2,7 +2,7 @@
 #include "interfaces/energysystem/energysystem_impl.h"
 #include "interfaces/psd2/psd2_descriptors.h"
 #include "interfaces/routebasedconsumption/routebasedconsumption_impl.h"
-#include "interfaces/routebasedenergycontents/routebasedenergycontents_descriptors.h"
+#include "interfaces/routebasedenergycontents/routebasedenergycontents_service_adapter.h"
 #include "registry/service_mapping_impl.h"
 
 /// The registry entries of this library's services. An interface whose binding class is not there yet carries the
@@ -23,7 +23,8 @@ namespace routebasedconsumption = kro::services::routebasedconsumption::routebas
 namespace chargetimemanager = kro::services::chargetimemanager::chargetimemanager_binding::vsomeip;
 
 const Entry<psd2::descriptors::internal::Service, NoProxy, NoAdapter> psd2_entry;
-const Entry<routebasedenergycontents::descriptors::internal::Service, NoProxy, NoAdapter>
+const Entry<routebasedenergycontents::descriptors::internal::Service, NoProxy,
+            routebasedenergycontents::RouteBasedEnergyContentsServiceAdapter>
     routebasedenergycontents_entry;
 const Entry<energysystem::descriptors::internal::Service, energysystem::EnergySystemImpl, NoAdapter> energysystem_entry;
 const Entry<routebasedconsumption::descriptors::internal::Service, routebasedconsumption::RouteBasedConsumptionImpl,

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core_types/com_error_domain.h"
+#include "platform/com/service_offers.h"
 #include "platform/include/service_binding.h"
 #include "registry/proxy_factory.h"
 
@@ -51,6 +52,8 @@ class State {
     return handle;
   }
 
+  ServiceOffers& Offers() { return offers_; }
+
   /// The search, which is forgotten; null when there is none (any more).
   std::shared_ptr<Search> TakeSearch(FindServiceHandle handle) {
     const std::lock_guard<std::mutex> lock(mutex_);
@@ -59,6 +62,8 @@ class State {
   }
 
  private:
+  ServiceOffers offers_;
+
   std::mutex mutex_;  // guards the members below
   std::vector<std::unique_ptr<ServiceBinding>> bindings_;
   std::map<FindServiceHandle, std::shared_ptr<Search>> searches_;
@@ -160,6 +165,16 @@ std::unique_ptr<proxy::ProxyBindingBase> Runtime::CreateProxy(std::uint16_t araS
     }
   }
   return nullptr;
+}
+
+void Runtime::OfferService(skeleton::ServiceBase& service, std::uint16_t araServiceId, InstanceIdentifier instance) {
+  if (!State::Get().Offers().Offer(service, araServiceId, instance, State::Get().Bindings())) {
+    MakeErrorCode(ComErrc::kServiceNotAvailable).ThrowAsException();
+  }
+}
+
+void Runtime::StopOfferService(skeleton::ServiceBase& service, std::uint16_t araServiceId) {
+  State::Get().Offers().Stop(service, araServiceId);
 }
 
 }  // namespace ara::com::internal

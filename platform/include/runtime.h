@@ -13,6 +13,9 @@ namespace ara::com::internal {
 namespace proxy {
 class ProxyBindingBase;
 }
+namespace skeleton {
+class ServiceBase;
+}
 class ServiceBinding;
 
 /// The communication runtime: finds services and creates proxies through whatever transport bindings have registered.
@@ -41,6 +44,14 @@ class ARA_PLATFORM_API Runtime {
   /// A new proxy binding for one instance; empty when no binding knows the service or the instance.
   static std::unique_ptr<proxy::ProxyBindingBase> CreateProxy(std::uint16_t araServiceId,
                                                               const InstanceIdentifier& instance);
+
+  /// Offers a skeleton as one instance of a service, through every binding that carries it, until StopOfferService; an
+  /// offer that stands already is left alone. Throws IllegalStateException when the skeleton is of another interface,
+  /// ComErrorDomainException (kServiceNotAvailable) when no binding carries the service or the instance.
+  static void OfferService(skeleton::ServiceBase& service, std::uint16_t araServiceId, InstanceIdentifier instance);
+  /// Withdraws all instances of a skeleton's service, the latest first. Returns when nothing of them is being called
+  /// any more.
+  static void StopOfferService(skeleton::ServiceBase& service, std::uint16_t araServiceId);
 };
 
 }  // namespace ara::com::internal

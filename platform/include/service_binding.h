@@ -12,6 +12,10 @@ namespace ara::com::internal {
 namespace proxy {
 class ProxyFactory;
 }
+namespace skeleton {
+class ServiceBase;
+class ServiceImplBase;
+}  // namespace skeleton
 
 /// What the communication runtime asks of a transport binding. A binding is registered once and lives until the process
 /// ends. Services go by their `ara::com` id; "unknown" always means that this binding does not carry the service.
@@ -35,6 +39,13 @@ class ServiceBinding {
   /// The factory of proxies of one instance. Empty when unknown, or when `instance` is no instance of this transport.
   virtual std::shared_ptr<proxy::ProxyFactory> GetProxyFactory(std::uint16_t araServiceId,
                                                                const InstanceIdentifier& instance) = 0;
+
+  /// Offers one instance of `service` and returns what serves it, the binding's adapter: destroying that withdraws the
+  /// offer. Empty when unknown, or when `instance` is no instance of this transport. Throws IllegalStateException when
+  /// `service` is a skeleton of another interface.
+  virtual std::unique_ptr<skeleton::ServiceImplBase> OfferService(skeleton::ServiceBase& service,
+                                                                  std::uint16_t araServiceId,
+                                                                  const InstanceIdentifier& instance) = 0;
 };
 
 }  // namespace ara::com::internal

@@ -38,7 +38,8 @@ void VSomeIPConnection::DoRequestService(const common::ServiceInstance& service)
   const std::lock_guard<std::mutex> lock(requests.mutex);
   std::size_t& count = requests.counts[{service.service, service.instance}];
   if (count == 0) {
-    application->request_service(service.service, service.instance, service.major, service.minor);
+    // Any minor version: which of them will do is the registry entry's to say, and the search for services heeds it.
+    application->request_service(service.service, service.instance, service.major, ::vsomeip::ANY_MINOR);
   }
   ++count;
 }

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "ara/com/internal/vsomeip/skeleton/vsomeip_service_impl_base.h"
 #include "platform/include/binding_registration.h"
 #include "platform/include/connection.h"
 #include "platform/include/runtime.h"
@@ -81,6 +82,13 @@ std::shared_ptr<internal::proxy::ProxyFactory> SomeIpBinding::GetProxyFactory(st
   const auto* mapping = FindMapping(araServiceId);
   const auto instance_id = common::ToTransportIdentifier(instance);
   return mapping != nullptr && instance_id ? mapping->GetProxy(*instance_id) : nullptr;
+}
+
+std::unique_ptr<internal::skeleton::ServiceImplBase> SomeIpBinding::OfferService(
+    internal::skeleton::ServiceBase& service, std::uint16_t araServiceId, const InstanceIdentifier& instance) {
+  const auto* mapping = FindMapping(araServiceId);
+  const auto instance_id = common::ToTransportIdentifier(instance);
+  return mapping != nullptr && instance_id ? mapping->GetSkeleton(service, *instance_id) : nullptr;
 }
 
 void Register() {

@@ -20,6 +20,9 @@ class SomeIpBinding final : public ServiceBinding {
   void StopFindService(std::uint64_t search) override;
   std::shared_ptr<internal::proxy::ProxyFactory> GetProxyFactory(std::uint16_t araServiceId,
                                                                  const InstanceIdentifier& instance) override;
+  std::unique_ptr<internal::skeleton::ServiceImplBase> OfferService(internal::skeleton::ServiceBase& service,
+                                                                    std::uint16_t araServiceId,
+                                                                    const InstanceIdentifier& instance) override;
 
  private:
   /// The watch of a service, which begins with the first call for it; null for an unknown service.

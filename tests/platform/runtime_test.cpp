@@ -6,7 +6,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "ara/com/internal/skeleton/service_impl_base.h"
 #include "core_types/com_error_domain.h"
+#include "core_types/com_exception.h"
 #include "platform/include/service_binding.h"
 #include "registry/proxy_factory.h"
 
@@ -22,6 +24,16 @@ struct FakeFactory : proxy::ProxyFactory {
     return std::make_unique<FakeProxy>();
   }
 };
+
+// Writes down when it comes and goes.
+struct FakeAdapter : skeleton::ServiceImplBase {
+  explicit FakeAdapter(const InstanceIdentifier& offered) : ServiceImplBase({offered}) {
+    log.push_back("offer " + offered.ToString());
+  }
+  ~FakeAdapter() override { log.push_back("stop " + GetInstanceIdentifiers().front().ToString()); }
+  static inline std::vector<std::string> log;
+};
+struct FakeService : skeleton::ServiceBase {};
 
 // Carries one service with one instance.
 struct FakeBinding : ServiceBinding {
@@ -46,6 +58,11 @@ struct FakeBinding : ServiceBinding {
   void StopFindService(std::uint64_t id) override { stopped.push_back(id); }
   std::shared_ptr<proxy::ProxyFactory> GetProxyFactory(std::uint16_t id, const InstanceIdentifier& wanted) override {
     return id == service && wanted == instance ? std::make_shared<FakeFactory>(wanted) : nullptr;
+  }
+  std::unique_ptr<skeleton::ServiceImplBase> OfferService(skeleton::ServiceBase&, std::uint16_t id,
+                                                          const InstanceIdentifier& wanted) override {
+    if (wanted == "broken") throw IllegalStateException("no fit");
+    return id == service ? std::make_unique<FakeAdapter>(wanted) : nullptr;
   }
 
   const std::uint16_t service;
@@ -98,6 +115,21 @@ TEST(Runtime, AsksOneBindingAfterTheOther) {
                             });
   EXPECT_THAT(found, ElementsAre(ElementsAre("7", "9"), ElementsAre("7")));
   EXPECT_THAT(second.stopped, ElementsAre(11, 11));
+
+  FakeService service;
+  FakeService other;
+  Runtime::OfferService(service, 1, "3");
+  Runtime::OfferService(service, 1, "4");
+  Runtime::OfferService(service, 1, "3");  // stands already
+  Runtime::OfferService(other, 1, "5");
+  EXPECT_THROW(Runtime::OfferService(service, 1, "broken"), IllegalStateException);
+  EXPECT_THROW(Runtime::OfferService(service, 3, "3"), ComErrorDomainException);
+  Runtime::StopOfferService(service, 1);
+  Runtime::StopOfferService(service, 1);
+  Runtime::OfferService(service, 1, "3");
+  Runtime::StopOfferService(service, 1);
+  EXPECT_THAT(FakeAdapter::log, ElementsAre("offer 3", "offer 4", "offer 5", "stop 4", "stop 3", "offer 3", "stop 3"));
+  Runtime::StopOfferService(other, 1);
 }
 
 }  // namespace

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <atomic>
+#include <stdexcept>
+#include <utility>
+
+#include "ara/com/internal/skeleton/dispatcher_base.h"
+#include "ara/com/internal/skeleton/service_base.h"
+#include "ara/com/method_call_processing_mode.h"
+#include "core_types/promise.h"
+#include "platform/include/instance_identifier.h"
+
+namespace ara::com::internal::skeleton {
+
+/// What a skeleton is whatever its interface and binding: the instances that it is offered as, the bindings that serve
+/// it, the way its method calls are processed. All operations may be called from any thread.
+class ServiceImplBase : public DispatcherBase<ServiceBase>, public ServiceBase {
+ public:
+  /// Stores the mode and hands it to every attached binding. A binding that leaves kPoll runs the calls that wait.
+  virtual void SetMethodCallProcessingMode(MethodCallProcessingMode mode) {
+    mode_ = mode;
+    ForEachBinding([mode](ServiceImplBase& binding) {
+      binding.SetMethodCallProcessingMode(mode);
+      return true;
+    });
+  }
+
+  /// In mode kPoll: runs one waiting method call of the first binding that has one, on this thread. The future is
+  /// ready: true when a call was run. In another mode an attached binding throws IllegalStateException.
+  virtual ara::core::Future<bool> ProcessNextMethodCall() {
+    bool processed = false;
+    ForEachBinding([&processed](ServiceImplBase& binding) {
+      processed = binding.ProcessNextMethodCall().GetResult().ValueOrThrow();
+      return !processed;
+    });
+    ara::core::Promise<bool> promise;
+    promise.SetResult(std::move(processed));
+    return promise.get_future();
+  }
+
+  const InstanceIdentifierContainer& GetInstanceIdentifiers() const noexcept { return instances_; }
+  MethodCallProcessingMode GetMethodCallProcessingMode() const noexcept { return mode_; }
+
+ protected:
+  /// Throws std::invalid_argument when there is no instance.
+  explicit ServiceImplBase(InstanceIdentifierContainer instances) : instances_(std::move(instances)) {
+    if (instances_.empty()) {
+      throw std::invalid_argument("Unable to create service, instance identifier container is empty");
+    }
+  }
+
+ private:
+  const InstanceIdentifierContainer instances_;
+  std::atomic<MethodCallProcessingMode> mode_{MethodCallProcessingMode::kEvent};
+};
+
+}  // namespace ara::com::internal::skeleton

@@ -1,0 +1,122 @@
+#pragma once
+
+#include <cstdint>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+#include "ara/com/internal/skeleton/field.h"
+#include "core_types/promise.h"
+
+namespace ara::com::internal::skeleton {
+
+/// A field of an offered service: its value, which the application sets, and the handler that answers its getter. All
+/// operations may be called from any thread.
+template <typename T>
+class SkeletonField {
+ public:
+  using FieldType = T;
+
+  SkeletonField() = default;
+  SkeletonField(const SkeletonField&) = delete;
+  SkeletonField& operator=(const SkeletonField&) = delete;
+
+  /// Sets the value and, while the service is offered, notifies every subscriber. Each field must be set before the
+  /// service can be offered. Updates from several threads reach the subscribers in the order in which they set the
+  /// value.
+  void Update(const T& value) {
+    const std::lock_guard<std::mutex> lock(holder_->mutex);
+    holder_->value = value;
+    holder_->has_value = true;
+    SendToBindings(value);
+  }
+
+  /// Sets what answers getter requests. Without one, a getter is answered with an error. The handler runs on a thread
+  /// of the stack, any number of times at once; what it throws becomes an error response, and so does an error in its
+  /// future. The response is sent when the future becomes ready, and no thread waits for it meanwhile: but a handler
+  /// that itself waits keeps its thread, and delays the destruction of the skeleton until it returns.
+  void RegisterGetHandler(GetHandler<T> handler) {
+    const std::lock_guard<std::mutex> lock(handler_mutex_);
+    handler_ = std::move(handler);
+    ++handler_version_;
+    const std::lock_guard<std::mutex> bindings(bindings_mutex_);
+    for (Field<T>* const binding : bindings_) {
+      binding->RegisterGetHandler(handler_);
+    }
+  }
+
+  /// Answers getter requests with the value as it stands.
+  void ServeCurrentValue() {
+    RegisterGetHandler([holder = holder_] {
+      ara::core::Promise<T> promise;
+      {
+        const std::lock_guard<std::mutex> lock(holder->mutex);
+        promise.SetResult(T(holder->value));
+      }
+      return promise.get_future();
+    });
+  }
+
+  bool HasValue() const {
+    const std::lock_guard<std::mutex> lock(holder_->mutex);
+    return holder_->has_value;
+  }
+
+  /// For bindings: adds a binding's field, which is not owned, and gives it the get handler.
+  void Attach(Field<T>& binding) {
+    {
+      const std::lock_guard<std::mutex> lock(bindings_mutex_);
+      bindings_.push_back(&binding);
+    }
+    // The handler is passed on without a lock; a registration that came in between is passed on as well.
+    for (std::uint64_t passed = 0, latest = 0;; passed = latest) {
+      GetHandler<T> handler;
+      {
+        const std::lock_guard<std::mutex> lock(handler_mutex_);
+        latest = handler_version_;
+        handler = handler_;
+      }
+      if (latest == passed) {
+        return;
+      }
+      binding.RegisterGetHandler(std::move(handler));
+    }
+  }
+  /// For bindings: removes a binding's field. Afterwards it is not being called.
+  void Detach(Field<T>& binding) {
+    const std::lock_guard<std::mutex> lock(bindings_mutex_);
+    bindings_.remove(&binding);
+  }
+  /// For bindings: notifies the value as it stands, which must have been set, through every attached binding.
+  void SendCurrentValue() {
+    const std::lock_guard<std::mutex> lock(holder_->mutex);
+    SendToBindings(holder_->value);
+  }
+
+ private:
+  struct ValueHolder {
+    bool has_value = false;
+    T value;
+    std::mutex
+        mutex;  // guards both; held while the value is sent, so that the last value sent is the last that was set
+  };
+
+  void SendToBindings(const T& value) {
+    const std::lock_guard<std::mutex> lock(bindings_mutex_);
+    for (Field<T>* const binding : bindings_) {
+      binding->Update(value);
+    }
+  }
+
+  std::shared_ptr<ValueHolder> holder_ = std::make_shared<ValueHolder>();
+
+  std::list<Field<T>*> bindings_;
+  std::mutex bindings_mutex_;  // guards the list, and is held while its members are called; taken last
+
+  GetHandler<T> handler_;
+  std::uint64_t handler_version_ = 0;
+  std::mutex handler_mutex_;  // guards both
+};
+
+}  // namespace ara::com::internal::skeleton

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <vector>
+
+#include "ara/com/internal/skeleton/skeleton_field.h"
+#include "ara/com/internal/skeleton/typed_service_impl_base.h"
+#include "core_types/visibility.h"
+#include "interfaces/routebasedenergycontents/routebasedenergycontents_datatypes.h"
+
+namespace kro::services::routebasedenergycontents::skeleton {
+
+/// Offers the application's route-based energy values to the vehicle.
+///
+///     RouteBasedEnergyContentsSkeleton energyContents({"1"});
+///     energyContents.rwmStatus.Update(status);            // every field needs a value ...
+///     energyContents.rwmStatus.ServeCurrentValue();       // ... and something that answers its getter
+///     ...
+///     energyContents.OfferService();
+///
+/// An application that derives from this class withdraws the offer in its own destructor.
+class TARN7_EXPORT RouteBasedEnergyContentsSkeleton
+    : public ara::com::internal::skeleton::TypedServiceImplBase<RouteBasedEnergyContentsSkeleton> {
+ public:
+  template <typename Record>
+  using Field = ara::com::internal::skeleton::SkeletonField<std::vector<Record>>;
+
+  /// `instances` are the instances to be offered. Throws std::invalid_argument when there is none.
+  explicit RouteBasedEnergyContentsSkeleton(ara::com::InstanceIdentifierContainer instances);
+  /// Withdraws the offer. Afterwards no get handler runs; one that is running is waited for.
+  ~RouteBasedEnergyContentsSkeleton() override;
+
+  /// Offers every instance; a service that is offered already stays so. Throws IllegalStateException, which names the
+  /// field, when a field has no value yet; ComErrorDomainException (kServiceNotAvailable) when the platform cannot
+  /// offer an instance. Nothing is offered then.
+  void OfferService();
+  /// Withdraws the offer, which can be made again. Without an offer it does nothing.
+  void StopOfferService();
+
+  /// The destinations of the route.
+  Field<datatypes::DT_destinations_struct> destinations;
+  /// The range along the route.
+  Field<datatypes::DT_rangeOnRouteValues_struct> rangeOnRouteValues;
+  /// The energy that is left at points of the route.
+  Field<datatypes::DT_routeBasedResidualEnergyValues_struct> routeBasedResidualEnergyValues;
+  /// The status of the service.
+  Field<datatypes::DT_rwmStatus_struct> rwmStatus;
+  /// The state of charge to reach at each charging stop.
+  Field<datatypes::DT_targetSocChargings_struct> targetSocChargings;
+};
+
+}  // namespace kro::services::routebasedenergycontents::skeleton

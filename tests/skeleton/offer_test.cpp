@@ -1,0 +1,162 @@
+#include <atomic>
+#include <stdexcept>
+#include <thread>
+
+#include "core_types/com_error_domain.h"
+#include "registry/service_mapping.h"
+#include "tests/skeleton/skeleton_fixture.h"
+
+namespace {
+
+using namespace skeleton_test;
+
+class OfferTest : public SkeletonTest {};
+
+const auto kOffered = ElementsAre("register_message_handler 606f 7 4040", "register_message_handler 606f 7 4020",
+                                  "register_message_handler 606f 7 4030", "register_message_handler 606f 7 4010",
+                                  "register_message_handler 606f 7 4050", "offer_service 606f 7 1 1",
+                                  "offer_event 606f 7 c040 c040 1 2 0", "offer_event 606f 7 c020 c020 1 2 0",
+                                  "offer_event 606f 7 c030 c030 1 2 0", "offer_event 606f 7 c010 c010 1 2 0",
+                                  "offer_event 606f 7 c050 c050 1 2 0", "notify 606f 7 c040 4", "notify 606f 7 c020 4",
+                                  "notify 606f 7 c030 4", "notify 606f 7 c010 e", "notify 606f 7 c050 8");
+const auto kWithdrawn =
+    ElementsAre("stop_offer_event 606f 7 c040", "stop_offer_event 606f 7 c020", "stop_offer_event 606f 7 c030",
+                "stop_offer_event 606f 7 c010", "stop_offer_event 606f 7 c050", "stop_offer_service 606f 7",
+                "unregister_message_handler 606f 7 4050", "unregister_message_handler 606f 7 4010",
+                "unregister_message_handler 606f 7 4030", "unregister_message_handler 606f 7 4020",
+                "unregister_message_handler 606f 7 4040");
+
+TEST_F(OfferTest, OffersAndWithdrawsInOrder) {
+  SetAllFields(*skeleton_);
+  EXPECT_THAT(application_.TakeCalls(), ElementsAre()) << "nothing goes out before the offer";
+  skeleton_->OfferService();
+  EXPECT_THAT(application_.TakeCalls(), kOffered);
+  skeleton_->OfferService();
+  EXPECT_THAT(application_.TakeCalls(), ElementsAre()) << "offered already";
+  skeleton_->StopOfferService();
+  EXPECT_THAT(application_.TakeCalls(), kWithdrawn);
+  skeleton_->StopOfferService();
+  skeleton_->OfferService();
+  EXPECT_THAT(application_.TakeCalls(), kOffered);
+  skeleton_.reset();
+  EXPECT_THAT(application_.TakeCalls(), kWithdrawn);
+}
+
+TEST_F(OfferTest, NamesTheFirstFieldWithoutAValueInTheCheckOrder) {
+  const auto errorOfOffer = [this] {
+    try {
+      skeleton_->OfferService();
+    } catch (const ara::com::IllegalStateException& error) {
+      return std::string(error.what());
+    }
+    return std::string("offered");
+  };
+  const std::string text =
+      "Attempt to offer service \"/kro/services/routebasedenergycontents/RouteBasedEnergyContents\" with uninitialized "
+      "field ";
+  EXPECT_EQ(errorOfOffer(), text + "\"rwmStatus\"");
+  skeleton_->rwmStatus.Update({});
+  EXPECT_EQ(errorOfOffer(), text + "\"rangeOnRouteValues\"");
+  skeleton_->rangeOnRouteValues.Update({});
+  EXPECT_EQ(errorOfOffer(), text + "\"routeBasedResidualEnergyValues\"");
+  skeleton_->routeBasedResidualEnergyValues.Update({});
+  EXPECT_EQ(errorOfOffer(), text + "\"destinations\"");
+  skeleton_->destinations.Update({});
+  EXPECT_EQ(errorOfOffer(), text + "\"targetSocChargings\"");
+  EXPECT_THAT(application_.TakeCalls(), ElementsAre());
+  skeleton_->targetSocChargings.Update({});
+  EXPECT_EQ(errorOfOffer(), "offered");
+}
+
+TEST_F(OfferTest, UndoesAnOfferThatFailsAtAnyStep) {
+  SetAllFields(*skeleton_);
+  for (const char* const failing :
+       {"register_message_handler 606f 7 4030", "offer_service", "offer_event 606f 7 c010", "notify 606f 7 c020"}) {
+    application_.on_call = [failing](const std::string& call) {
+      if (call.rfind(failing, 0) == 0) {
+        throw std::runtime_error("no network");
+      }
+    };
+    EXPECT_THROW(skeleton_->OfferService(), std::runtime_error) << failing;
+    application_.on_call = nullptr;
+    EXPECT_EQ(application_.HandlerCount(), 0U) << failing;
+    application_.TakeCalls();
+    skeleton_->rwmStatus.Update(StatusOf(2));
+    EXPECT_THAT(application_.TakeCalls(), ElementsAre()) << "no binding is left attached: " << failing;
+  }
+  skeleton_->OfferService();
+  EXPECT_THAT(application_.TakeCalls(), kOffered);
+}
+
+TEST_F(OfferTest, OffersEveryInstanceInOrderAndUpdatesThemAll) {
+  RouteBasedEnergyContentsSkeleton both({"8", "9"});
+  SetAllFields(both);
+  both.OfferService();
+  const auto calls = application_.TakeCalls();
+  const auto first = std::find(calls.begin(), calls.end(), "offer_service 606f 8 1 1");
+  EXPECT_NE(std::find(first, calls.end(), "offer_service 606f 9 1 1"), calls.end());
+  both.rwmStatus.Update({});
+  EXPECT_THAT(application_.TakeCalls(), ElementsAre("notify 606f 8 c010 4", "notify 606f 9 c010 4"));
+
+  RouteBasedEnergyContentsSkeleton wrong({"10", "no instance"});
+  SetAllFields(wrong);
+  EXPECT_THROW(wrong.OfferService(), ara::com::ComErrorDomainException);
+  EXPECT_EQ(application_.TakeCalls().back(), "unregister_message_handler 606f a 4040") << "all or nothing";
+  EXPECT_THROW(RouteBasedEnergyContentsSkeleton({}), std::invalid_argument);
+}
+
+TEST_F(OfferTest, TheRegistryMakesAdaptersOfFittingSkeletonsOnly) {
+  using ara::com::internal::vsomeip::runtime::VSomeIPServiceMapping;
+  struct Other : ara::com::internal::skeleton::ServiceBase {
+  } other;
+  const auto* const mapping = VSomeIPServiceMapping::GetMappingForServiceId(40160);
+  EXPECT_EQ(mapping->GetProxy(1), nullptr);
+  try {
+    mapping->GetSkeleton(other, 1);
+    ADD_FAILURE() << "a foreign skeleton was taken";
+  } catch (const ara::com::IllegalStateException& error) {
+    EXPECT_STREQ(error.what(), "Given service interface does not fit to the binding adapter!");
+  }
+  EXPECT_EQ(VSomeIPServiceMapping::GetMappingForServiceId(56470)->GetSkeleton(*skeleton_, 1), nullptr);
+}
+
+// Every subscriber ends up with the value that the field ends up with.
+TEST_F(OfferTest, UpdatesFromSeveralThreadsKeepTheirOrder) {
+  SetAllFields(*skeleton_);
+  skeleton_->rwmStatus.ServeCurrentValue();
+  skeleton_->OfferService();
+  application_.TakeCalls();
+  std::vector<std::thread> writers;
+  for (std::size_t writer = 1; writer <= 4; ++writer) {
+    writers.emplace_back([this, writer] {
+      for (int round = 0; round < 200; ++round) {
+        skeleton_->rwmStatus.Update(Status(writer));
+      }
+    });
+  }
+  for (auto& writer : writers) {
+    writer.join();
+  }
+  std::size_t length = 0;
+  application_.on_send = [&](const Message& response) { length = response->get_payload()->get_length(); };
+  application_.Deliver(RequestTo(0x4010));
+  const auto calls = application_.TakeCalls();
+  EXPECT_EQ(calls.size(), 801U) << "800 notifications and the response";
+  char last[40];
+  std::snprintf(last, sizeof(last), "notify 606f 7 c010 %zx", length);
+  EXPECT_EQ(calls[799], last);
+}
+
+TEST_F(OfferTest, AThousandRoundsLeaveNothingBehind) {
+  SetAllFields(*skeleton_);
+  for (int round = 0; round < 1000; ++round) {
+    skeleton_->OfferService();
+    skeleton_->StopOfferService();
+    ASSERT_EQ(application_.HandlerCount(), 0U);
+  }
+  application_.TakeCalls();
+  skeleton_->rwmStatus.Update({});
+  EXPECT_THAT(application_.TakeCalls(), ElementsAre());
+}
+
+}  // namespace
