@@ -130,7 +130,8 @@ class ToolTest(unittest.TestCase):
                 (4, "cannot be read", "simulate", "energysystem", "--values", "/nonexistent"),
                 (4, "parse error", "simulate", "energysystem", "--values", file('{"notifications":[')),
                 (4, "expected an object", "simulate", "energysystem", "--values", file("[]")),
-                (4, "did you mean 'notifications'?", "simulate", "energysystem", "--values", file('{"notfications":[]}')),
+                (4, "did you mean 'notifications'?", "simulate", "energysystem", "--values",
+                 file('{"notfications":[]}')),
                 (4, "notifications: [0].member0: -1 does not fit", "simulate", "energysystem", "--values",
                  file('{"notifications":[{"member0":-1}]}'))):
             with self.subTest(arguments=arguments):
@@ -160,8 +161,8 @@ class ToolTest(unittest.TestCase):
                         "fail 4010 00000013" "01" "0010" "8000000000001267" "00000001" "00000000", "set 4020 000000ff"):
             provider.process.stdin.write(command.encode() + b"\n")
             provider.wait_for("done")
-        for message, *arguments in (("domain Com (0x8000000000001267), code 1: Service is not available.", ADDRESS),
-                                    ("domain Com (0x8000000000001267), code 1: Service is not available.", ADDRESS, "--hex"),
+        error = "domain Com (0x8000000000001267), code 1: Service is not available."
+        for message, *arguments in ((error, ADDRESS), (error, ADDRESS, "--hex"),
                                     ("code 3", "energysystem/highVoltageBatteries")):
             result = self.run_here("get", *arguments, status=3)
             self.assertEqual(result.stdout, "")

@@ -124,6 +124,8 @@ TEST(Values, WhatDoesNotFitIsRefusedWithItsPlace) {
   for (const auto& [json, refusal] : refusals) {
     EXPECT_EQ(Refusal<Records>(json), refusal);
   }
+  const std::string deep = "[[" + std::string(500000, '[') + std::string(500000, ']') + "]]";
+  EXPECT_EQ(Refusal<Records>(deep.c_str()), "[0]: expected an object, found array");
   EXPECT_EQ(Refusal<sample::Strict>(R"({"member1":1})"), "member0: this member is required");
 }
 

@@ -22,12 +22,19 @@ int HexDigit(char digit) {
 }
 
 [[noreturn]] void FailType(const char* expected, const Json& json, const Place& place) {
-  constexpr std::size_t kShown = 60;
-  const std::string text = ToText(json);
-  place.Fail(std::string("expected ") + expected + ", found " + (text.size() > kShown ? json.type_name() : text));
+  place.Fail(std::string("expected ") + expected + ", found " + Summary(json));
 }
 
 }  // namespace
+
+std::string Summary(const Json& json) {
+  constexpr std::size_t kShown = 60;
+  if (json.is_structured() && !json.empty()) {
+    return json.type_name();
+  }
+  const std::string text = ToText(json);
+  return text.size() > kShown ? json.type_name() : text;
+}
 
 bool BoolFromJson(const Json& json, const Place& place) {
   if (!json.is_boolean()) {

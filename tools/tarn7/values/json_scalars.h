@@ -12,6 +12,9 @@
 
 namespace tarn7::tool {
 
+/// What to show of JSON that is not what was expected: it may be long, and nested as deep as whoever wrote it liked.
+std::string Summary(const Json& json);
+
 // Each of these throws ValueError, which names the place, for JSON of another type or out of range.
 
 bool BoolFromJson(const Json& json, const Place& place);
@@ -34,7 +37,7 @@ template <typename T>
 T IntegerFromJson(const Json& json, const Place& place) {
   using Limits = std::numeric_limits<T>;
   if (!json.is_number()) {
-    place.Fail("expected a " + IntegerName<T>() + ", found " + ToText(json));
+    place.Fail("expected a " + IntegerName<T>() + ", found " + Summary(json));
   }
   // What is negative is signed here, everything else that is whole and below 2^64 is unsigned.
   if (json.is_number_unsigned()) {
