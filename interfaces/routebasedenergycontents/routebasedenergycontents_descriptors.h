@@ -46,6 +46,7 @@ struct targetSocChargings : Field<0x4050, datatypes::DT_targetSocChargings_struc
 /// The interface as a whole.
 struct Interface {
   using Service = internal::Service;
+  using Skeleton = skeleton::RouteBasedEnergyContentsSkeleton;
   /// In the order of the skeleton and the adapter.
   using Fields =
       common::TypeList<destinations, rangeOnRouteValues, routeBasedResidualEnergyValues, rwmStatus, targetSocChargings>;

@@ -38,7 +38,7 @@ int Run(const Command& command) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App tool("Read, write, follow and simulate the fields of the vehicle's services over SOME/IP");
+  CLI::App tool("Read, write, follow, offer and simulate the fields of the vehicle's services over SOME/IP");
   tool.name("tarn7");
   tool.set_version_flag("--version", "tarn7 " TARN7_VERSION);
   tool.require_subcommand(1);
@@ -49,6 +49,7 @@ int main(int argc, char** argv) {
   AddSetCommand(tool, chosen);
   AddWatchCommand(tool, chosen);
   AddSimulateCommand(tool, chosen);
+  AddOfferCommand(tool, chosen);
   try {
     tool.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

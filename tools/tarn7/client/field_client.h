@@ -8,7 +8,7 @@
 namespace tarn7::tool {
 
 /// Access to one field of one service instance. Used from one thread, one call at a time. What it calls back runs on
-/// threads of the SOME/IP stack, until the proxy binding, which the clients of one interface may share, is destroyed.
+/// threads of the SOME/IP stack, until the service client that it is from is destroyed.
 class FieldClient {
  public:
   virtual ~FieldClient() = default;

@@ -1,5 +1,7 @@
 #include "tools/tarn7/commands/command.h"
 
+#include <iostream>
+
 namespace tarn7::tool {
 
 void AddInstanceOption(CLI::App& command, ServiceOptions& options) {
@@ -11,6 +13,12 @@ void AddInstanceOption(CLI::App& command, ServiceOptions& options) {
 
 CLI::Option* AddTimeoutOption(CLI::App& command, ServiceOptions& options, const std::string& description) {
   return command.add_option("--timeout", options.timeout, description)->type_name("MS");
+}
+
+void ReportOffer(const Interface& interface, std::uint16_t instance) {
+  std::cerr << "offering " << interface.name << ", instance " << instance << ": service 0x" << std::hex
+            << interface.service_id << std::dec << ", version " << static_cast<int>(interface.major_version) << '.'
+            << interface.minor_version << ", " << interface.fields.size() << " fields" << std::endl;
 }
 
 }  // namespace tarn7::tool

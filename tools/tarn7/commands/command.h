@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "tools/tarn7/loop.h"
+#include "tools/tarn7/model/field.h"
 #include "tools/tarn7/output.h"
 
 namespace tarn7::tool {
@@ -20,6 +21,7 @@ void AddGetCommand(CLI::App& tool, Command& chosen);
 void AddSetCommand(CLI::App& tool, Command& chosen);
 void AddWatchCommand(CLI::App& tool, Command& chosen);
 void AddSimulateCommand(CLI::App& tool, Command& chosen);
+void AddOfferCommand(CLI::App& tool, Command& chosen);
 
 /// What the commands have in common, with one meaning everywhere.
 struct ServiceOptions {
@@ -32,5 +34,8 @@ struct ServiceOptions {
 void AddInstanceOption(CLI::App& command, ServiceOptions& options);
 /// Takes the default from `options`.
 CLI::Option* AddTimeoutOption(CLI::App& command, ServiceOptions& options, const std::string& description);
+
+/// Says on standard error that the instance is offered now.
+void ReportOffer(const Interface& interface, std::uint16_t instance);
 
 }  // namespace tarn7::tool

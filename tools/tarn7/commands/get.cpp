@@ -4,7 +4,7 @@
 #include "tools/tarn7/commands/command.h"
 #include "tools/tarn7/error.h"
 #include "tools/tarn7/model/interface_table.h"
-#include "tools/tarn7/stack/raw_getter.h"
+#include "tools/tarn7/stack/stack_field_client.h"
 
 namespace tarn7::tool {
 
@@ -18,14 +18,20 @@ struct GetOptions : ServiceOptions {
 void Get(Output& output, const GetOptions& options) {
   const FieldAddress address = FindAddress(options.address);
   const Loop::TimePoint deadline = options.Deadline();
+  const StartCall start = [](FieldClient& field, auto answered) { field.StartGet(std::move(answered)); };
   Loop loop;
   if (options.hex) {
-    const auto payload = GetPayload(loop, address, options.instance, deadline);
+    StackServiceClient service(loop, *address.interface, options.instance);
+    StackFieldClient field(service, *address.field);
+    Call(loop, address, service, field, deadline, start);
+    const auto payload = field.TakePayload();
     output.WriteLine(ToHex(payload.data(), payload.size()));
     return;
   }
-  output.WriteLine(ToText(Call(loop, address, options.instance, deadline,
-                               [](FieldClient& field, auto answered) { field.StartGet(std::move(answered)); })));
+  const auto service = MakeServiceClient(loop, *address.interface, options.instance);
+  const auto field = service->Connect(*address.field);
+  Call(loop, address, *service, *field, deadline, start);
+  output.WriteLine(ToText(field->TakeAnswer()));
 }
 
 }  // namespace

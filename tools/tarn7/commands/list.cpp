@@ -47,6 +47,7 @@ Json ToJson(const Interface& interface) {
     fields.push_back(ToJson(*field));
   }
   return {{"interface", interface.name},
+          {"role", interface.Role()},
           {"service", interface.service_id},
           {"araService", interface.ara_service_id},
           {"majorVersion", interface.major_version},
@@ -72,7 +73,7 @@ void WriteMembers(std::ostream& text, const std::vector<Member>& members, const 
 
 std::string ToTable(const Interface& interface) {
   std::ostringstream text;
-  text << interface.name << "  service " << Hex(interface.service_id) << "  version "
+  text << interface.name << "  " << interface.Role() << "  service " << Hex(interface.service_id) << "  version "
        << static_cast<int>(interface.major_version) << '.' << interface.minor_version << "  ara::com id "
        << interface.ara_service_id << '\n';
   for (const auto& field : interface.fields) {

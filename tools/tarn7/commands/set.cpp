@@ -22,8 +22,11 @@ void Set(Output& output, const SetOptions& options) {
   const Json value = options.value == "-" ? ParseJsonFile("-") : ParseJson(options.value, "JSON");
   address.field->Encode(value);  // a wrong value is refused before anything goes on the network
   Loop loop;
-  const auto start = [&value](FieldClient& field, auto answered) { field.StartSet(value, std::move(answered)); };
-  output.WriteLine(ToText(Call(loop, address, options.instance, options.Deadline(), start)));
+  const auto service = MakeServiceClient(loop, *address.interface, options.instance);
+  const auto field = service->Connect(*address.field);
+  Call(loop, address, *service, *field, options.Deadline(),
+       [&value](FieldClient& client, auto answered) { client.StartSet(value, std::move(answered)); });
+  output.WriteLine(ToText(field->TakeAnswer()));
 }
 
 }  // namespace

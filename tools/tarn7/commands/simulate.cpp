@@ -1,16 +1,14 @@
 #include <algorithm>
-#include <iomanip>
 #include <iostream>
 #include <limits>
-#include <map>
 #include <memory>
 
 #include "tools/tarn7/commands/command.h"
 #include "tools/tarn7/error.h"
+#include "tools/tarn7/model/field_values.h"
 #include "tools/tarn7/model/interface_table.h"
 #include "tools/tarn7/stack/simulated_service.h"
 #include "tools/tarn7/values/moving_value.h"
-#include "tools/tarn7/values/nearest.h"
 
 namespace tarn7::tool {
 
@@ -22,44 +20,11 @@ struct SimulateOptions : ServiceOptions {
   std::string values_file;
 };
 
-/// What the values file gives, by field.
-using FixedValues = std::map<const Field*, Json>;
-
-/// Reads {"FIELD": value, ...}; where several interfaces are simulated, "INTERFACE/FIELD" may be needed. Throws
-/// ValueError for a field that is not among `fields`.
-FixedValues ReadValues(const std::string& path, const std::vector<FieldAddress>& fields) {
-  const Json json = ParseJsonFile(path);
-  std::vector<std::string> names;
-  for (const FieldAddress& address : fields) {
-    names.push_back(address.field->Name());
-  }
-  if (!json.is_object()) {
-    throw ValueError(path + ": expected an object of fields, such as {\"" + names.front() + "\":[]}");
-  }
-  FixedValues values;
-  for (const auto& item : json.items()) {
-    const std::string& key = item.key();
-    const auto found = std::find_if(fields.begin(), fields.end(), [&key](const FieldAddress& address) {
-      return key == address.field->Name() || key == address.ToString();
-    });
-    if (found == fields.end()) {
-      throw ValueError(path + ": no field '" + key + "'; did you mean '" + Nearest(key, names) + "'?");
-    }
-    try {
-      found->field->Encode(item.value());
-    } catch (const ValueError& error) {
-      throw ValueError(path + ": " + key + ": " + error.what());
-    }
-    values.insert_or_assign(found->field, item.value());
-  }
-  return values;
-}
-
 /// One simulated interface with its values.
 class Simulation {
  public:
   Simulation(StackApplication& application, const Interface& interface, std::uint16_t instance,
-             const FixedValues& fixedValues, ValueSource& source)
+             const FieldValues& fixedValues, ValueSource& source)
       : interface_(interface),
         source_(source),
         service_(std::make_shared<SimulatedService>(application, interface, instance)) {
@@ -71,9 +36,7 @@ class Simulation {
       payloads.push_back(field->Encode(values_.back()));
     }
     service_->Offer(std::move(payloads));
-    std::cerr << "offering " << interface.name << ", instance " << instance << ": service 0x" << std::hex
-              << interface.service_id << std::dec << ", version " << static_cast<int>(interface.major_version) << '.'
-              << interface.minor_version << ", " << interface.fields.size() << " fields" << std::endl;
+    ReportOffer(interface, instance);
   }
 
   void Move() {
@@ -106,13 +69,18 @@ void Simulate(const SimulateOptions& options) {
   std::vector<FieldAddress> fields;
   for (const std::string& name : options.interfaces) {
     const Interface& interface = FindInterface(name);
+    if (interface.IsProvided()) {
+      throw CommandError(Status::kUsage, name + " is offered by the application, not by the vehicle: use tarn7 offer " +
+                                             name + " --values FILE");
+    }
     if (std::find(interfaces.begin(), interfaces.end(), &interface) == interfaces.end()) {
       interfaces.push_back(&interface);
       const auto own = FindAddresses(name);
       fields.insert(fields.end(), own.begin(), own.end());
     }
   }
-  const FixedValues fixedValues = options.values_file.empty() ? FixedValues() : ReadValues(options.values_file, fields);
+  const FieldValues fixedValues =
+      options.values_file.empty() ? FieldValues() : ReadFieldValuesFile(options.values_file, fields);
 
   Loop loop;
   ValueSource source;

@@ -8,7 +8,7 @@
 #include <memory>
 #include <set>
 
-#include "tools/tarn7/client/service_search.h"
+#include "tools/tarn7/client/service_client.h"
 #include "tools/tarn7/commands/command.h"
 #include "tools/tarn7/error.h"
 #include "tools/tarn7/model/interface_table.h"
@@ -39,9 +39,9 @@ class Watcher {
   /// Throws Interrupted, or CommandError (kUnavailable) when services or samples are not there in time.
   void Run() {
     const Loop::TimePoint deadline = options_.has_timeout ? options_.Deadline() : Loop::kForever;
-    for (ServiceSearch& search : searches_) {
-      if (!loop_.RunUntil(deadline, [this, &search] { return search.IsFound() || IsDone(); })) {
-        search.Wait(deadline);
+    for (const auto& [interface, service] : services_) {
+      if (!loop_.RunUntil(deadline, [this, &service = *service] { return service.IsFound() || IsDone(); })) {
+        service->Wait(deadline);
       }
     }
     if (!loop_.RunUntil(options_.count == 0 ? Loop::kForever : deadline, [this] { return IsDone(); })) {
@@ -53,12 +53,10 @@ class Watcher {
   std::uint64_t SampleCount() const noexcept { return samples_; }
 
  private:
-  using Binding = std::shared_ptr<ara::com::internal::proxy::ProxyBindingBase>;
-
   bool IsDone() const noexcept { return options_.count != 0 && samples_ >= options_.count; }
 
   void Follow(const FieldAddress& address) {
-    FieldClient& field = *fields_.emplace_back(address.field->Connect(BindingOf(*address.interface)));
+    FieldClient& field = *fields_.emplace_back(ServiceOf(*address.interface).Connect(*address.field));
     // Posted once, however many samples arrive until it runs: the samples wait in the bounded cache, not in the loop.
     const auto posted = std::make_shared<std::atomic<bool>>(false);
     field.Subscribe([this, &field, address, posted] {
@@ -73,16 +71,15 @@ class Watcher {
     });
   }
 
-  Binding BindingOf(const Interface& interface) {
-    Binding& binding = bindings_[&interface];
-    if (binding == nullptr) {
-      binding = MakeProxy(interface, options_.instance);
-      searches_.emplace_back(loop_, interface, options_.instance, [this, &interface](bool found) {
+  ServiceClient& ServiceOf(const Interface& interface) {
+    auto& service = services_[&interface];
+    if (service == nullptr) {
+      service = MakeServiceClient(loop_, interface, options_.instance, [this, &interface](bool found) {
         std::cerr << interface.name << ", instance " << options_.instance << (found ? ": found" : ": gone")
                   << std::endl;
       });
     }
-    return binding;
+    return *service;
   }
 
   void Write(const FieldAddress& address, const Json& value) {
@@ -102,10 +99,9 @@ class Watcher {
   const WatchOptions& options_;
   std::uint64_t samples_ = 0;
   std::set<const Field*> followed_;
-  // The order matters: handlers use the loop until the bindings, which the fields hold too, are gone.
+  // The order matters: the fields need their service, whose handlers use the loop.
   Loop loop_;
-  std::list<ServiceSearch> searches_;
-  std::map<const Interface*, Binding> bindings_;
+  std::map<const Interface*, std::unique_ptr<ServiceClient>> services_;
   std::list<std::unique_ptr<FieldClient>> fields_;
 };
 

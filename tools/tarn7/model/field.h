@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -8,6 +9,7 @@
 #include "ara/com/internal/proxy/proxy_binding_base.h"
 #include "tools/tarn7/client/field_client.h"
 #include "tools/tarn7/model/value_type.h"
+#include "tools/tarn7/server/offered_service.h"
 #include "tools/tarn7/values/json.h"
 
 namespace tarn7::tool {
@@ -37,7 +39,7 @@ class Field {
   virtual Json Decode(const unsigned char* data, std::size_t size) const = 0;
   /// Throws ValueError, which names the place, for JSON that is no value of the field.
   virtual std::vector<unsigned char> Encode(const Json& value) const = 0;
-  /// Access to the field through a proxy binding of its interface.
+  /// Access to the field through a proxy binding of its interface, which must be one that the library consumes.
   virtual std::unique_ptr<FieldClient> Connect(
       std::shared_ptr<ara::com::internal::proxy::ProxyBindingBase> binding) const = 0;
 
@@ -47,7 +49,7 @@ class Field {
   ValueType type_;
 };
 
-/// One interface of the library.
+/// One interface of the library, which is its client (consumed) or its server (provided).
 struct Interface {
   std::string name;
   std::uint16_t ara_service_id;
@@ -55,6 +57,11 @@ struct Interface {
   std::uint8_t major_version;
   std::uint32_t minor_version;
   std::vector<std::unique_ptr<const Field>> fields;
+  /// Makes a skeleton of one instance. Empty for an interface that is consumed.
+  std::function<std::unique_ptr<OfferedService>(std::uint16_t instance)> make_skeleton;
+
+  bool IsProvided() const noexcept { return make_skeleton != nullptr; }
+  const char* Role() const noexcept { return IsProvided() ? "provided" : "consumed"; }
 };
 
 }  // namespace tarn7::tool

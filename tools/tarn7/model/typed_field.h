@@ -15,8 +15,13 @@
 
 namespace tarn7::tool {
 
-/// The field that a descriptor of the library describes. `ProxyBase` is its interface's proxy base.
-template <typename ProxyBase, typename Descriptor>
+template <typename InterfaceDescriptor, typename = void>
+inline constexpr bool kIsProvided = false;
+template <typename InterfaceDescriptor>
+inline constexpr bool kIsProvided<InterfaceDescriptor, std::void_t<typename InterfaceDescriptor::Skeleton>> = true;
+
+/// The field that a descriptor of the library describes. `InterfaceDescriptor` is its interface's.
+template <typename InterfaceDescriptor, typename Descriptor>
 class TypedField final : public Field {
  public:
   TypedField() : Field(Descriptor::name, MakeIdentifiers(), DescribeType<Value>()) {}
@@ -34,12 +39,16 @@ class TypedField final : public Field {
 
   std::unique_ptr<FieldClient> Connect(
       std::shared_ptr<ara::com::internal::proxy::ProxyBindingBase> binding) const override {
-    auto* const base = dynamic_cast<ProxyBase*>(binding.get());
-    if (base == nullptr) {
-      throw std::logic_error("the platform made a proxy of another interface");
+    if constexpr (kIsProvided<InterfaceDescriptor>) {
+      throw std::logic_error("the library has no proxy of an interface that it provides");
+    } else {
+      auto* const base = dynamic_cast<typename InterfaceDescriptor::ProxyBase*>(binding.get());
+      if (base == nullptr) {
+        throw std::logic_error("the platform made a proxy of another interface");
+      }
+      auto& field = (base->*Descriptor::accessor)();
+      return std::make_unique<ProxyFieldClient<std::remove_reference_t<decltype(field)>>>(std::move(binding), field);
     }
-    auto& field = (base->*Descriptor::accessor)();
-    return std::make_unique<ProxyFieldClient<std::remove_reference_t<decltype(field)>>>(std::move(binding), field);
   }
 
  private:

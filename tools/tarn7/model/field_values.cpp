@@ -1,0 +1,41 @@
+#include "tools/tarn7/model/field_values.h"
+
+#include <algorithm>
+
+#include "tools/tarn7/error.h"
+#include "tools/tarn7/values/nearest.h"
+
+namespace tarn7::tool {
+
+FieldValues ReadFieldValues(const Json& json, const std::string& source, const std::vector<FieldAddress>& fields) {
+  std::vector<std::string> names;
+  for (const FieldAddress& address : fields) {
+    names.push_back(address.field->Name());
+  }
+  if (!json.is_object()) {
+    throw ValueError(source + ": expected an object of fields, such as {\"" + names.front() + "\":[]}");
+  }
+  FieldValues values;
+  for (const auto& item : json.items()) {
+    const std::string& key = item.key();
+    const auto found = std::find_if(fields.begin(), fields.end(), [&key](const FieldAddress& address) {
+      return key == address.field->Name() || key == address.ToString();
+    });
+    if (found == fields.end()) {
+      throw ValueError(source + ": no field '" + key + "'; did you mean '" + Nearest(key, names) + "'?");
+    }
+    try {
+      found->field->Encode(item.value());
+    } catch (const ValueError& error) {
+      throw ValueError(source + ": " + key + ": " + error.what());
+    }
+    values.insert_or_assign(found->field, item.value());
+  }
+  return values;
+}
+
+FieldValues ReadFieldValuesFile(const std::string& path, const std::vector<FieldAddress>& fields) {
+  return ReadFieldValues(ParseJsonFile(path), path == "-" ? "standard input" : path, fields);
+}
+
+}  // namespace tarn7::tool

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tools/tarn7/model/interface_table.h"
+#include "tools/tarn7/values/json.h"
+
+namespace tarn7::tool {
+
+/// Values by field. Each is a value of its field.
+using FieldValues = std::map<const Field*, Json>;
+
+/// Reads {"FIELD": value, ...}; where `fields` are of several interfaces, "INTERFACE/FIELD" may be needed. Throws
+/// ValueError, which begins with `source`, for a field that is not among `fields` and for what is no value of its
+/// field.
+FieldValues ReadFieldValues(const Json& json, const std::string& source, const std::vector<FieldAddress>& fields);
+
+/// The same from a file, or from standard input where `path` is "-".
+FieldValues ReadFieldValuesFile(const std::string& path, const std::vector<FieldAddress>& fields);
+
+}  // namespace tarn7::tool

@@ -1,0 +1,146 @@
+#include "tools/tarn7/stack/stack_field_client.h"
+
+#include <deque>
+#include <exception>
+#include <iostream>
+#include <mutex>
+#include <utility>
+
+#include "core_types/error_code.h"
+#include "platform/include/error_domain_registry.h"
+#include "serialization/error_code_codec.h"
+#include "tools/tarn7/client/call_error.h"
+#include "tools/tarn7/error.h"
+
+namespace tarn7::tool {
+
+namespace {
+
+namespace common = ara::com::internal::vsomeip::common;
+using Message = std::shared_ptr<vsomeip::message>;
+
+/// What may arrive while a slow reader keeps standard output busy.
+constexpr std::size_t kMaxSamples = 256;
+
+StackFieldClient::Payload PayloadOf(const vsomeip::message& message) {
+  const auto payload = message.get_payload();
+  if (payload == nullptr) {
+    return {};
+  }
+  return {payload->get_data(), payload->get_data() + payload->get_length()};
+}
+
+[[noreturn]] void ThrowErrorResponse(const vsomeip::message& response) {
+  const StackFieldClient::Payload payload = PayloadOf(response);
+  if (payload.size() != common::ErrorCodeWireForm::kSize) {
+    throw CommandError(Status::kCallFailed, "the call failed: return code " +
+                                                std::to_string(static_cast<int>(response.get_return_code())) +
+                                                " without an error code");
+  }
+  const common::Deserializer<ara::core::ErrorCode> code(payload.data(), payload.size());
+  const auto& domain = common::error_domains::Registry::getDomain(code.domainId());
+  ThrowCallError(ara::core::ErrorCode(code.value(), code.supportData(), domain));
+}
+
+}  // namespace
+
+struct StackFieldClient::Inbox {
+  std::mutex mutex;  // guards the members
+  Message response;
+  std::deque<Message> samples;
+
+  void Store(const Message& sample) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (samples.size() == kMaxSamples) {
+      samples.pop_front();
+    }
+    samples.push_back(sample);
+  }
+};
+
+StackFieldClient::StackFieldClient(StackServiceClient& service, const Field& field)
+    : service_(service), field_(field), inbox_(std::make_shared<Inbox>()) {}
+
+void StackFieldClient::StartGet(std::function<void()> answered) { Send(field_.Ids().getter, {}, std::move(answered)); }
+
+void StackFieldClient::StartSet(const Json& value, std::function<void()> answered) {
+  Send(field_.Ids().setter, field_.Encode(value), std::move(answered));
+}
+
+void StackFieldClient::Send(std::uint16_t method, const Payload& payload, std::function<void()> answered) {
+  const Interface& interface = service_.GetInterface();
+  service_.Application()->register_message_handler(
+      interface.service_id, service_.Instance(), method,
+      [inbox = inbox_, answered = std::move(answered)](const Message& response) {
+        {
+          const std::lock_guard<std::mutex> lock(inbox->mutex);
+          inbox->response = response;
+        }
+        answered();
+      });
+  const auto request = StackApplication::Runtime()->create_request(false);
+  request->set_service(interface.service_id);
+  request->set_instance(service_.Instance());
+  request->set_method(method);
+  request->set_interface_version(interface.major_version);
+  request->set_payload(StackApplication::Runtime()->create_payload(payload));
+  service_.Application()->send(request);
+}
+
+StackFieldClient::Payload StackFieldClient::TakePayload() {
+  const std::lock_guard<std::mutex> lock(inbox_->mutex);
+  const Message response = std::move(inbox_->response);
+  if (response->get_message_type() == vsomeip::message_type_e::MT_ERROR ||
+      response->get_return_code() != vsomeip::return_code_e::E_OK) {
+    ThrowErrorResponse(*response);
+  }
+  return PayloadOf(*response);
+}
+
+Json StackFieldClient::TakeAnswer() {
+  const Payload payload = TakePayload();
+  return field_.Decode(payload.data(), payload.size());
+}
+
+void StackFieldClient::Subscribe(std::function<void()> arrived) {
+  const Interface& interface = service_.GetInterface();
+  const Field::Identifiers& ids = field_.Ids();
+  StackApplication& application = service_.Application();
+  // The handler first: the value as it stands may be here before subscribe() has returned.
+  application->register_message_handler(interface.service_id, service_.Instance(), ids.event,
+                                        [inbox = inbox_, arrived = std::move(arrived)](const Message& sample) {
+                                          inbox->Store(sample);
+                                          arrived();
+                                        });
+  application->request_event(interface.service_id, service_.Instance(), ids.event, {ids.eventgroup},
+                             vsomeip::event_type_e::ET_FIELD);
+  application->register_subscription_status_handler(interface.service_id, service_.Instance(), ids.eventgroup,
+                                                    ids.event, [name = Name()](auto, auto, auto, auto, auto status) {
+                                                      if (status != 0) {
+                                                        std::cerr << name + ": the subscription was refused\n";
+                                                      }
+                                                    });
+  application->subscribe(interface.service_id, service_.Instance(), ids.eventgroup, interface.major_version, ids.event);
+}
+
+std::vector<Json> StackFieldClient::TakeSamples() {
+  std::deque<Message> samples;
+  {
+    const std::lock_guard<std::mutex> lock(inbox_->mutex);
+    samples.swap(inbox_->samples);
+  }
+  std::vector<Json> values;
+  for (const Message& sample : samples) {
+    const Payload payload = PayloadOf(*sample);
+    try {
+      values.push_back(field_.Decode(payload.data(), payload.size()));
+    } catch (const std::exception& error) {
+      std::cerr << Name() << ": a sample is passed over: " << error.what() << std::endl;
+    }
+  }
+  return values;
+}
+
+std::string StackFieldClient::Name() const { return service_.GetInterface().name + '/' + field_.Name(); }
+
+}  // namespace tarn7::tool
