@@ -15,7 +15,7 @@ void ApplicationImpl::PushMessage(std::shared_ptr<message> message) {
   const std::size_t bytes = kHeaderSize + message->get_payload()->get_length();
   Push(
       [slot, message = std::move(message)] {
-        if (slot->registered) slot->call(message);
+        if (*slot->registered) slot->call(message);
       },
       bytes);
 }
@@ -25,7 +25,7 @@ void ApplicationImpl::PushStatus(const ServiceInstance& key, eventgroup_t eventg
   const std::uint16_t status = accepted ? 0 : kRejected;
   for (const auto& slot : handlers_.FindStatus({key.first, key.second, eventgroup, event}, accepted)) {
     Push([slot, key, eventgroup, event, status] {
-      if (slot->registered) slot->call(key.first, key.second, eventgroup, event, status);
+      if (*slot->registered) slot->call(key.first, key.second, eventgroup, event, status);
     });
   }
 }
@@ -41,7 +41,7 @@ void ApplicationImpl::TellAvailability(const DiscoveryOutput::Availability& chan
   if (!change.available) used_events_.Lose({change.service, change.instance});
   for (const auto& slot : handlers_.ChangeAvailability(change)) {
     Push([slot, change] {
-      if (slot->registered) slot->call(change.service, change.instance, change.available);
+      if (*slot->registered) slot->call(change.service, change.instance, change.available);
     });
   }
 }
@@ -87,7 +87,7 @@ void ApplicationImpl::register_availability_handler(service_t service, instance_
   if (present.empty() && !is_wildcard) present.push_back({service, instance, major, minor, false});
   for (const auto& state : present) {
     Push([slot, state] {
-      if (slot->registered) slot->call(state.service, state.instance, state.available);
+      if (*slot->registered) slot->call(state.service, state.instance, state.available);
     });
   }
 }

@@ -116,7 +116,7 @@ void ApplicationImpl::Serve() {
     const Lock lock(mutex_);
     if (const auto handler = handlers_.State()) {
       Push([handler] {
-        if (handler->registered) handler->call(state_type_e::ST_REGISTERED);
+        if (*handler->registered) handler->call(state_type_e::ST_REGISTERED);
       });
     }
     log_->Info("client ", Hex(client_), " at ", boost::asio::ip::address_v4(sockets_.Address()).to_string());

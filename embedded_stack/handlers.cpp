@@ -7,11 +7,19 @@ namespace vsomeip_v3::embedded {
 // Puts a handler in the place of the former one, or none if it is null.
 template <typename Function>
 void Handlers::Replace(SlotPointer<Function>& slot, const Function& handler) {
+  typename Slot<Function>::Registered registered;
   if (slot) {
-    slot->registered = false;
+    registered = slot->registered;
     retired_.push_back(std::move(slot));
+  } else {
+    registered = std::make_shared<std::atomic<bool>>(true);
   }
-  slot = handler ? std::make_shared<Slot<Function>>(handler) : nullptr;
+  if (handler) {
+    slot = std::make_shared<Slot<Function>>(handler, std::move(registered));
+  } else {
+    *registered = false;
+    slot = nullptr;
+  }
 }
 
 void Handlers::SetState(const state_handler_t& handler) { Replace(state_, handler); }

@@ -13,12 +13,17 @@
 
 namespace vsomeip_v3::embedded {
 
-// A registered handler. Calls of it that are already queued look at `registered` first.
+// A registered handler. Calls of it that are already queued look at `registered` first, which it shares with the handler
+// that takes its place: nothing that is queued is lost when a handler is replaced.
 template <typename Function>
 struct Slot {
-  explicit Slot(Function its_call) : call(std::move(its_call)) {}
+  using Registered = std::shared_ptr<std::atomic<bool>>;
+
+  Slot(Function its_call, Registered its_registered)
+      : call(std::move(its_call)), registered(std::move(its_registered)) {}
+
   const Function call;
-  std::atomic<bool> registered{true};
+  const Registered registered;
 };
 template <typename Function>
 using SlotPointer = std::shared_ptr<Slot<Function>>;

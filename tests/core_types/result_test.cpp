@@ -38,7 +38,6 @@ void WithOutputOnStandardError(Access access) {
 }
 
 TEST(ResultDeathTest, ReadingTheWrongSideEndsTheProcess) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
   const Result<int> error(MakeErrorCode(ara::com::ComErrc::kServiceNotAvailable));
   EXPECT_DEATH(WithOutputOnStandardError([&] { (void)error.value(); }), "__ value\\(\\) called but NOT a value!\n");
   const Result<int> value(1);

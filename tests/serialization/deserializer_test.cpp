@@ -203,7 +203,6 @@ TEST(DeserializingEnumerator, ReadsOneMemberAfterAnother) {
 }
 
 TEST(DeserializerDeathTest, AScalarShorterThanItsTypeIsFatal) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_DEATH(Decode<DT_notifications_struct>("00000007 00000003 0000 2a"), "Insufficient arguments from remote end");
 }
 
