@@ -10,6 +10,7 @@ import signal
 import subprocess
 import sys
 import tempfile
+import threading
 import unittest
 
 PROJECT, PROGRAMS = map(pathlib.Path, sys.argv[1:3])
@@ -29,19 +30,30 @@ class ReadmeTest(unittest.TestCase):
         config = tempfile.NamedTemporaryFile("w", suffix=".json")  # pylint: disable=consider-using-with
         self.addCleanup(config.close)
         port = random.randrange(31000, 32000)
-        json.dump({"network": f"readme{port}", "service-discovery": {"port": port}}, config)
+        json.dump({"network": f"readme{port}", "service-discovery": {"port": port}, "logging": {"level": "warning"}},
+                  config)
         config.flush()
-        self.environment = {**os.environ, "VSOMEIP_CONFIGURATION": config.name, "PATH": f"{PROGRAMS}:{os.environ['PATH']}"}
+        path = f"{PROGRAMS}:{os.environ['PATH']}"
+        self.environment = {**os.environ, "VSOMEIP_CONFIGURATION": config.name, "PATH": path}
 
     def start(self, command):
         """Starts a command of the shell in the background, and waits until it offers what it is asked to."""
         process = subprocess.Popen(["bash", "-c", command], env=self.environment, start_new_session=True, text=True,
                                    stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
-        self.addCleanup(lambda: (os.killpg(process.pid, signal.SIGINT), process.communicate(timeout=DEADLINE)))
+        self.addCleanup(self.end, process)
+        giving_up = threading.Timer(DEADLINE, os.killpg, (process.pid, signal.SIGKILL))
+        giving_up.start()
+        self.addCleanup(giving_up.cancel)
         words = shlex.split(command)
         for interface in words[words.index("simulate") + 1 : words.index("--values")]:
             while f"offering {interface}," not in (line := process.stderr.readline()):
-                self.assertTrue(line, f"{command}: ended early")
+                self.assertTrue(line, f"{command}: offers nothing")
+        giving_up.cancel()
+
+    def end(self, process):
+        if process.poll() is None:
+            os.killpg(process.pid, signal.SIGINT)
+        process.communicate(timeout=DEADLINE)
 
     def run_here(self, command):
         result = subprocess.run(["bash", "-c", command], env=self.environment, capture_output=True, text=True,
