@@ -34,7 +34,7 @@ class ServiceImplBase : public DispatcherBase<ServiceBase>, public ServiceBase {
       return !processed;
     });
     ara::core::Promise<bool> promise;
-    promise.SetResult(std::move(processed));
+    promise.SetResult(bool{processed});
     return promise.get_future();
   }
 

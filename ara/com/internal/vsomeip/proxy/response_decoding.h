@@ -65,7 +65,7 @@ void SetError(ara::core::Promise<R>& promise, const ::vsomeip::message& response
     common::LogWarning(kDelegateSource, "SetError", __LINE__)
         << "(Exception : proxy/vsomeip_method_impl_delegate.h) SetError() deserializer error : " << error.what();
   }
-  promise.SetError(std::move(code));
+  promise.SetError(ara::core::ErrorCode(code));
 }
 
 }  // namespace ara::com::internal::vsomeip::proxy::detail
