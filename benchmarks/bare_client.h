@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <stdexcept>
 #include <utility>
 
@@ -12,7 +13,7 @@
 
 namespace benchmarks {
 
-/// Waited for on one thread, raised on another.
+/// Waited for on one thread, raised on another. Must outlive the call that raises it, not only what that brings about.
 class Signal {
  public:
   void Raise() {
@@ -59,23 +60,30 @@ class BareClient {
     application_->request_service(service_, instance_, major_);
     AwaitService(*application_, service_, instance_);
   }
-  ~BareClient() { application_->release_service(service_, instance_); }
+  ~BareClient() {
+    for (const vsomeip::method_t id : listened_) {
+      application_->unregister_message_handler(service_, instance_, id);
+    }
+    application_->release_service(service_, instance_);
+  }
   BareClient(const BareClient&) = delete;
   BareClient& operator=(const BareClient&) = delete;
 
   /// Must come before the first call of the method, or the first notification of the event, that is awaited.
   void Listen(vsomeip::method_t methodOrEvent) {
     application_->register_message_handler(service_, instance_, methodOrEvent,
-                                           [this](const std::shared_ptr<vsomeip::message>& message) {
-                                             latest_ = message;
-                                             arrived_.Raise();
+                                           [inbox = inbox_](const std::shared_ptr<vsomeip::message>& message) {
+                                             inbox->latest = message;
+                                             inbox->arrived.Raise();
                                            });
+    listened_.insert(methodOrEvent);
   }
+  /// Once per event. The notifications that come from now on are received.
   void Follow(vsomeip::event_t event) {
     Listen(event);
     application_->request_event(service_, instance_, event, {event}, vsomeip::event_type_e::ET_FIELD);
     application_->subscribe(service_, instance_, event, major_);
-    arrived_.Await();  // the value as it stands
+    Receive();  // the value as it stands
   }
 
   /// Sends a request with the payload, or without one if it is null.
@@ -95,8 +103,8 @@ class BareClient {
 
   /// The next message of what is listened to.
   std::shared_ptr<vsomeip::message> Receive() {
-    arrived_.Await();
-    return std::move(latest_);
+    inbox_->arrived.Await();
+    return std::move(inbox_->latest);
   }
 
   /// A request and its response. Throws std::runtime_error for an error response.
@@ -110,12 +118,18 @@ class BareClient {
   }
 
  private:
+  // Shared with the handler, which may still be at its end when the message it has brought is already used.
+  struct Inbox {
+    Signal arrived;
+    std::shared_ptr<vsomeip::message> latest;  // handed over by arrived
+  };
+
   const std::shared_ptr<vsomeip::application> application_;
   const vsomeip::service_t service_;
   const vsomeip::instance_t instance_;
   const vsomeip::major_version_t major_;
-  Signal arrived_;
-  std::shared_ptr<vsomeip::message> latest_;  // handed over by arrived_
+  std::set<vsomeip::method_t> listened_;
+  const std::shared_ptr<Inbox> inbox_ = std::make_shared<Inbox>();
 };
 
 }  // namespace benchmarks

@@ -102,39 +102,54 @@ void Set(benchmark::State& state, ChargeTimeManager& sides) {
 
 /// From a request that makes the provider notify, which both sides send through the bare interface, to the sample in
 /// the application's hands.
-void Notify(benchmark::State& state, EnergySystem& sides, BareClient& trigger) {
-  const auto payload =
-      vsomeip::runtime::get()->create_payload(benchmarks::FilledPayload<SmallField>(benchmarks::kSmallRecords));
-  const auto type = vsomeip::message_type_e::MT_REQUEST_NO_RETURN;
-  auto& field = sides.proxy.highVoltageBatteries;
-  benchmarks::Signal sampled;
-  field.SetReceiveHandler([&] {
-    field.GetNewSamples([&](auto sample) {
-      benchmark::DoNotOptimize(sample->data());
-      sampled.Raise();
-    });
-  });
-  field.Subscribe(4);
-  sampled.Await();  // the value as it stands
-  sides.bare.Follow(SmallField::event_id);
-  CompareWithBare(
-      state,
-      [&] {
-        trigger.Send(benchmarks::kNotifyMethod, payload, type);
-        sampled.Await();
-      },
-      [&] {
-        sides.bare.Send(benchmarks::kNotifyMethod, payload, type);
-        benchmark::DoNotOptimize(sides.bare.Receive());
+class Notification {
+ public:
+  Notification(const benchmarks::Provider& provider, EnergySystem& sides)
+      : bare_(sides.bare),
+        field_(sides.proxy.highVoltageBatteries),
+        trigger_(VSomeIPConnection::instance_.Application(), SmallField::Service::service_id, provider.Instance(),
+                 SmallField::Service::major_version) {
+    field_.SetReceiveHandler([sampled = sampled_, &field = field_] {
+      field.GetNewSamples([&](auto sample) {
+        benchmark::DoNotOptimize(sample->data());
+        sampled->Raise();
       });
-  field.Unsubscribe();
-}
+    });
+    field_.Subscribe(4);
+    sampled_->Await();  // the value as it stands
+    bare_.Follow(SmallField::event_id);
+  }
+  ~Notification() { field_.StopHandlers(); }
+  Notification(const Notification&) = delete;
+  Notification& operator=(const Notification&) = delete;
+
+  void Measure(benchmark::State& state) {
+    const auto payload =
+        vsomeip::runtime::get()->create_payload(benchmarks::FilledPayload<SmallField>(benchmarks::kSmallRecords));
+    const auto type = vsomeip::message_type_e::MT_REQUEST_NO_RETURN;
+    CompareWithBare(
+        state,
+        [&] {
+          trigger_.Send(benchmarks::kNotifyMethod, payload, type);
+          sampled_->Await();
+        },
+        [&] {
+          bare_.Send(benchmarks::kNotifyMethod, payload, type);
+          benchmark::DoNotOptimize(bare_.Receive());
+        });
+  }
+
+ private:
+  const std::shared_ptr<benchmarks::Signal> sampled_ = std::make_shared<benchmarks::Signal>();
+  BareClient& bare_;
+  decltype(EnergySystemProxy::highVoltageBatteries) field_;
+  BareClient trigger_;
+};
 
 void Run(const benchmarks::Provider& provider) {
   EnergySystem energySystem(provider);
   ChargeTimeManager chargeTimeManager(provider);
-  BareClient trigger(VSomeIPConnection::instance_.Application(), SmallField::Service::service_id, provider.Instance(),
-                     SmallField::Service::major_version);
+  Notification notification(provider, energySystem);
   const auto add = [](const char* name, auto function) {
     benchmark::RegisterBenchmark(name, function)->UseManualTime()->Iterations(kBatches);
   };
@@ -149,7 +164,7 @@ void Run(const benchmarks::Provider& provider) {
     Get<chargeTimeCalculations>(state, chargeTimeManager, chargeTimeManager.proxy.chargeTimeCalculations);
   });
   add("set chargetimemanager, records: 1", [&](benchmark::State& state) { Set(state, chargeTimeManager); });
-  add("notify energysystem, records: 1", [&](benchmark::State& state) { Notify(state, energySystem, trigger); });
+  add("notify energysystem, records: 1", [&](benchmark::State& state) { notification.Measure(state); });
   benchmark::RunSpecifiedBenchmarks();
 }
 
