@@ -133,7 +133,7 @@ class Reader {
             {{"service", [&](const Json& value) { service = Number16(value); }},
              {"instance", [&](const Json& value) { instance = Number16(value); }},
              {"unreliable", [&](const Json& value) { port = Number16(value); }}});
-    if (!service || !instance) Fail("a service needs \"service\" and \"instance\"");
+    if (!service || !instance) Fail(R"(a service needs "service" and "instance")");
     if (port != 0) configuration_.ports[{*service, *instance}] = port;
   }
 

@@ -13,8 +13,8 @@
 
 namespace vsomeip_v3::embedded {
 
-// A registered handler. Calls of it that are already queued look at `registered` first, which it shares with the handler
-// that takes its place: nothing that is queued is lost when a handler is replaced.
+// A registered handler. Calls of it that are already queued look at `registered` first, which it shares with the
+// handler that takes its place: nothing that is queued is lost when a handler is replaced.
 template <typename Function>
 struct Slot {
   using Registered = std::shared_ptr<std::atomic<bool>>;

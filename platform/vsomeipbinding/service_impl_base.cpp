@@ -2,9 +2,9 @@
 #include <mutex>
 #include <utility>
 
+#include "ara/com/internal/vsomeip/common/error_payload.h"
 #include "ara/com/internal/vsomeip/skeleton/vsomeip_service_impl_base.h"
 #include "platform/vsomeipbinding/stack_thread.h"
-#include "serialization/error_code_codec.h"
 
 namespace ara::com::internal::vsomeip::skeleton {
 
@@ -58,12 +58,10 @@ void ServiceImplBase::StopOfferField(std::uint16_t service, std::uint16_t instan
 void ServiceImplBase::SendErrorReply(const ara::core::ErrorCode& error, std::shared_ptr<::vsomeip::message> request) {
   auto& connection = runtime::VSomeIPConnection::instance_;
   const auto stack = connection.MessageRuntime();
-  common::ByteVector bytes;
-  common::Serializer<ara::core::ErrorCode>(error).pushbackTo(bytes);
   const auto response = stack->create_response(request);
   response->set_message_type(::vsomeip::message_type_e::MT_ERROR);
   response->set_return_code(::vsomeip::return_code_e::E_NOT_OK);
-  response->set_payload(stack->create_payload(bytes));
+  response->set_payload(stack->create_payload(common::ErrorPayload(error)));
   connection.Application()->send(response);
 }
 

@@ -63,7 +63,7 @@ T RecordFromJson(const Json& json, const Place& place) {
 
 template <typename T>
 T BytesFromJson(const Json& json, const Place& place) {
-  const std::vector<std::uint8_t> bytes = BytesFromHex(json, place);
+  std::vector<std::uint8_t> bytes = BytesFromHex(json, place);
   if constexpr (std::is_same_v<T, std::vector<std::uint8_t>>) {
     return bytes;
   } else {

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "ara/com/internal/skeleton/service_impl_base.h"
-#include "ara/com/internal/vsomeip/common/field_descriptor.h"
 #include "core_types/com_exception.h"
+#include "core_types/type_list.h"
 #include "platform/include/runtime.h"
 
 namespace ara::com::internal::skeleton {
@@ -25,8 +25,8 @@ class TypedServiceImplBase : public ServiceImplBase {
   /// nothing stays offered.
   template <typename Interface>
   void Offer() {
-    vsomeip::common::ForEachType(typename Interface::CheckOrder{},
-                                 [this](auto field) { RequireValue<Interface, decltype(field)>(); });
+    ara::core::internal::ForEachType(typename Interface::CheckOrder{},
+                                     [this](auto field) { RequireValue<Interface, decltype(field)>(); });
     Runtime::Init();
     try {
       for (const InstanceIdentifier& instance : GetInstanceIdentifiers()) {

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "core_types/type_list.h"
+
 namespace ara::com::internal::vsomeip::common {
 
 /// The identifiers of one field, all derived from its getter's method id: the notifier event is the getter with bit 15
@@ -26,14 +28,7 @@ struct MutableFieldDescriptor : FieldDescriptor<ServiceDescriptor, GetterMethodI
   static constexpr std::uint16_t setter_method_id = GetterMethodId + 1;
 };
 
-/// Types in an order that matters: the fields of an interface, the interfaces of the library.
-template <typename... Types>
-struct TypeList {};
-
-/// Calls `visitor` with a (value-less) object of each type, in the order of the list.
-template <typename... Types, typename Visitor>
-constexpr void ForEachType(TypeList<Types...>, Visitor&& visitor) {
-  (visitor(Types{}), ...);
-}
+using ara::core::internal::ForEachType;
+using ara::core::internal::TypeList;
 
 }  // namespace ara::com::internal::vsomeip::common
