@@ -19,6 +19,15 @@ VALUES = {
     "highVoltageBatteries": [{"member0": 7, "member1": 0.1, "member3": True}, {"member1": "NaN"}],
 }
 
+PROVIDED = "routebasedenergycontents"
+ROUTE = {
+    "destinations": [{"member0": 1, "member5": 6}],
+    "rangeOnRouteValues": [{"member1": 4294967295}, {}],
+    "routeBasedResidualEnergyValues": [],
+    "rwmStatus": [{"member3": 255}],
+    "targetSocChargings": [{"member0": 7, "member1": 80}],
+}
+
 
 class Process:
     """A process whose output lines can be waited for."""
@@ -76,6 +85,11 @@ class ToolTest(unittest.TestCase):
         process.wait_for(f"offering {interfaces[-1]}", process.process.stderr)
         return process
 
+    def offer(self, *arguments):
+        process = self.start("offer", PROVIDED, "--values", self.file(json.dumps(ROUTE)), *arguments)
+        process.wait_for("offering", process.process.stderr)
+        return process
+
     def file(self, text):
         file = tempfile.NamedTemporaryFile("w", suffix=".json")  # pylint: disable=consider-using-with
         self.addCleanup(file.close)
@@ -88,14 +102,15 @@ class ToolTest(unittest.TestCase):
         self.assertEqual(result.returncode, status, result.stderr)
         return result
 
-    def assert_unoffered(self):
-        result = run("get", ADDRESS, "--instance", self.instance, "--timeout", "300")
+    def assert_unoffered(self, address=ADDRESS):
+        result = run("get", address, "--instance", self.instance, "--timeout", "300")
         self.assertEqual((result.returncode, result.stdout), (2, ""))
 
     def test_list_shows_what_the_library_knows(self):
         interfaces = {entry["interface"]: entry for entry in json.loads(run("list", "--json").stdout)}
         energy = interfaces["energysystem"]
         self.assertEqual((energy["service"], energy["majorVersion"], energy["minorVersion"]), (0x6005, 4, 3))
+        self.assertEqual((energy["role"], interfaces[PROVIDED]["role"]), ("consumed", "provided"))
         fields = {field["field"]: field for field in energy["fields"]}
         self.assertEqual(fields["notifications"]["getter"], 0x4010)
         self.assertEqual(fields["notifications"]["eventgroup"], 0xC010)
@@ -107,7 +122,7 @@ class ToolTest(unittest.TestCase):
 
     def test_help_and_version(self):
         self.assertRegex(run("--version").stdout, r"^tarn7 \d+\.\d+\.\d+")
-        for command in ("list", "get", "set", "watch", "simulate"):
+        for command in ("list", "get", "set", "watch", "simulate", "offer"):
             self.assertIn("Example:", run(command, "--help").stdout)
 
     def test_wrong_usage_and_wrong_values_are_refused_before_anything_is_sent(self):
@@ -123,6 +138,16 @@ class ToolTest(unittest.TestCase):
                 (1, "did you mean 'energysystem/notifications'?", "watch", "energysystem/notification"),
                 (1, "write INTERFACE/FIELD", "get", "energysystem"),
                 (1, "has no setter", "set", ADDRESS, "[]"),
+                (1, "has no setter", "set", PROVIDED + "/destinations", "[]"),
+                (1, "use tarn7 simulate energysystem", "offer", "energysystem", "--values", "/nonexistent"),
+                (1, f"use tarn7 offer {PROVIDED}", "simulate", "energysystem", PROVIDED),
+                (1, "--values", "offer", PROVIDED),
+                (1, "standard input", "offer", PROVIDED, "--values", "-", "--follow"),
+                (4, "cannot be read", "offer", PROVIDED, "--values", "/nonexistent"),
+                (4, "did you mean 'rwmStatus'?", "offer", PROVIDED, "--values", file('{"rwmstatus":[]}')),
+                (4, 'Attempt to offer service "/kro/services/routebasedenergycontents/RouteBasedEnergyContents" with '
+                 'uninitialized field "targetSocChargings"', "offer", PROVIDED, "--values",
+                 file(json.dumps({name: value for name, value in ROUTE.items() if name != "targetSocChargings"}))),
                 (4, "line 1, column 3", "set", SETTABLE, "[{"),
                 (4, "[0].membre0: no such member; did you mean member0?", "set", SETTABLE, '[{"membre0":1}]'),
                 (4, "[0].member2: 65536 does not fit a 16-bit", "set", SETTABLE, '[{"member2":65536}]'),
@@ -215,6 +240,66 @@ class ToolTest(unittest.TestCase):
         self.assertEqual(status, 0)
         self.assertIn("chargetimemanager: 1 values read, 2 set", errors)
         self.assert_unoffered()
+
+    def test_set_that_is_refused_does_not_reach_the_service(self):
+        simulation = self.simulate("chargetimemanager", values={SETTABLE: [{"member0": 5}]})
+        for wrong in ("[{]", '[{"member7":1}]', '[{"member3":"0g"}]', '[{"member6":1}]'):
+            self.run_here("set", SETTABLE, wrong, status=4)
+        self.assertEqual(json.loads(self.run_here("get", SETTABLE).stdout), [{"member0": 5}])
+        self.assertIn("1 values read, 0 set", simulation.end()[1])
+
+    def test_set_reaches_who_follows_the_field(self):
+        self.simulate("chargetimemanager", values={SETTABLE: [{"member0": 5}]}, period="100000")
+        watch = self.start("watch", SETTABLE)
+        watch.wait_for('"value":[{"member0":5}]')
+        self.run_here("set", SETTABLE, '[{"member0":6}]')
+        watch.wait_for('"value":[{"member0":6}]')
+
+    def test_offer_is_what_getters_and_notifications_carry(self):
+        watch = self.start("watch", PROVIDED, "--count", "5")  # before there is a service
+        offer = self.offer()
+        samples = [json.loads(watch.wait_for("{")) for _ in ROUTE]
+        self.assertEqual({sample["field"]: sample["value"] for sample in samples}, ROUTE)
+        self.assertEqual(watch.end(None)[0], 0)
+        for field, value in ROUTE.items():
+            self.assertEqual(json.loads(self.run_here("get", f"{PROVIDED}/{field}").stdout), value)
+        payload = self.run_here("get", PROVIDED + "/rwmStatus", "--hex").stdout
+        self.assertEqual(payload, "00000007" "00000003" "0003ff" "\n")
+        status, errors = offer.end()
+        self.assertEqual(status, 0)
+        self.assertIn(f"{PROVIDED}: 5 values offered", errors)
+        self.assert_unoffered(PROVIDED + "/rwmStatus")
+
+    def test_watch_follows_what_is_offered_again(self):
+        watch = self.start("watch", PROVIDED + "/rwmStatus", "energysystem/notifications")
+        first = self.offer()
+        watch.wait_for("rwmStatus")
+        first.end()
+        watch.wait_for("gone", watch.process.stderr)
+        self.offer()
+        watch.wait_for("rwmStatus")
+        self.simulate("energysystem")  # the library's proxy and the stack itself, side by side
+        watch.wait_for("notifications")
+
+    def test_offer_follows_standard_input(self):
+        offer = self.offer("--follow")
+        watch = self.start("watch", PROVIDED)
+        for field in ROUTE:
+            watch.wait_for("{")
+        lines = ('{"destinations":[],"rwmStatus":[{"member0":1}]}', '{"destinatons":[]}', "nonsense",
+                 '{"rwmStatus":[{"member0":2}],"destinations":[{"member0":-1}]}', '{"rwmStatus":[{"member0":3}]}')
+        offer.process.stdin.write("\n".join(lines).encode())  # the last line has no end
+        offer.process.stdin.close()
+        offer.process.stdin = None
+        for number, text in ((2, "did you mean 'destinations'?"), (3, "parse error"), (4, "-1 does not fit")):
+            self.assertIn(text, offer.wait_for(f"line {number}: ", offer.process.stderr))
+        samples = [json.loads(watch.wait_for("{")) for _ in range(3)]
+        self.assertEqual([(sample["field"], sample["value"]) for sample in samples if sample["field"] == "rwmStatus"],
+                         [("rwmStatus", [{"member0": 1}]), ("rwmStatus", [{"member0": 3}])])
+        self.assertEqual(self.run_here("get", PROVIDED + "/destinations").stdout, "[]\n")  # goes on after the end
+        status, errors = offer.end(signal.SIGTERM)
+        self.assertEqual(status, 0)
+        self.assertIn("8 values offered", errors)
 
 
 if __name__ == "__main__":
