@@ -12,15 +12,16 @@ namespace {
 std::size_t allocations = 0;
 }  // namespace
 
-void* operator new(std::size_t size) {
+// Not inlined: the compiler would take malloc and delete, or new and free, for a pair.
+__attribute__((noinline)) void* operator new(std::size_t size) {
   ++allocations;
   if (void* const memory = std::malloc(size)) {
     return memory;
   }
   throw std::bad_alloc();
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+__attribute__((noinline)) void operator delete(void* memory) noexcept { std::free(memory); }
+__attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
