@@ -136,6 +136,8 @@ void Offer(RouteBasedEnergyContentsSkeleton& route) {
   route.OfferService();
 }
 
+constexpr int kCalls = 7;  // of getters and the setter
+
 int Run(const std::string& instance, long seconds) {
   const sigset_t signals = BlockEndSignals();
   std::atomic<int> samples{0};
@@ -151,6 +153,8 @@ int Run(const std::string& instance, long seconds) {
 
     answers += Finish("read     highVoltageBatteries", energySystem.highVoltageBatteries.Get());
     answers += Finish("read     lowVoltageBatteries", energySystem.lowVoltageBatteries.Get());
+    answers += Finish("read     lowVoltageSystemInfo", energySystem.lowVoltageSystemInfo.Get());
+    answers += Finish("read     notifications", energySystem.notifications.Get());
     answers += Finish("read     status", consumption.status.Get());
     answers += Finish("read     consumptionValues", consumption.consumptionValues.Get());
     DT_chargeTimeCalculations_struct request;
@@ -160,6 +164,7 @@ int Run(const std::string& instance, long seconds) {
 
     const auto count = [&samples](const auto&) { ++samples; };
     Follow("lowVoltageBatteries", energySystem.lowVoltageBatteries, count);
+    Follow("lowVoltageSystemInfo", energySystem.lowVoltageSystemInfo, count);
     Follow("notifications", energySystem.notifications, count);
     // The interfaces name no units: this only shows how values that arrive lead to values that are offered.
     Follow("highVoltageBatteries", energySystem.highVoltageBatteries, [&](const auto& batteries) {
@@ -174,9 +179,9 @@ int Run(const std::string& instance, long seconds) {
     const timespec duration{seconds, 0};
     sigtimedwait(&signals, nullptr, seconds == 0 ? nullptr : &duration);
   }
-  std::cout << "got " << answers << " of 5 answers, received " << samples << " notifications, updated the route "
-            << updates << " times" << std::endl;
-  return answers == 5 && samples > 0 && updates > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+  std::cout << "got " << answers << " of " << kCalls << " answers, received " << samples
+            << " notifications, updated the route " << updates << " times" << std::endl;
+  return answers == kCalls && samples > 0 && updates > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 }  // namespace
