@@ -77,8 +77,8 @@ class Future {
 
   /// Runs `continuation` once, as soon as the result is there: inside this call if it already is, else on the thread
   /// that sets it (a thread of the SOME/IP stack). A second continuation replaces one that has not run. There it must
-  /// not start another call of the same method, whose lock is held. Destroying the Future takes the continuation back.
-  /// Throws FutureException with `no_state` when not valid().
+  /// not wait for another call of the same method, which cannot be completed meanwhile. Destroying the Future takes the
+  /// continuation back. Throws FutureException with `no_state` when not valid().
   void then(std::function<void()> continuation) {
     RequireState();
     {

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <utility>
 
 #include "core_types/running_calls.h"
@@ -17,25 +18,38 @@ struct State {
 
   /// Stores the result through `store` and runs the continuation, at most once, with no lock of this object held. One
   /// that is there when this begins runs whatever happens meanwhile: its Future's destructor waits. One that comes
-  /// later finds either the result or, here, the second look.
+  /// later finds either the result or, here, the second look. Where there is none, nobody waits for this to return.
   template <typename Store>
   void Complete(Store store) {
-    const RunningCalls::Scope scope(running);
-    const auto taken = Take();
-    store();
-    if (taken) {
-      taken();
+    {
+      Taken early(*this);
+      store();
+      early.Run();
     }
-    if (const auto late = Take()) {
-      late();
-    }
+    Taken(*this).Run();
   }
 
  private:
-  std::function<void()> Take() {
-    const std::lock_guard<std::mutex> guard(lock);
-    return std::exchange(continuation, nullptr);
-  }
+  /// The continuation, taken out of the slot, which counts as running from that moment on.
+  class Taken {
+   public:
+    explicit Taken(State& state) {
+      const std::lock_guard<std::mutex> guard(state.lock);
+      if (state.continuation) {
+        scope_.emplace(state.running);
+        continuation_.swap(state.continuation);
+      }
+    }
+    void Run() const {
+      if (continuation_) {
+        continuation_();
+      }
+    }
+
+   private:
+    std::optional<RunningCalls::Scope> scope_;  // ends after the continuation is destroyed
+    std::function<void()> continuation_;
+  };
 };
 
 /// Holds a mutex through a unique lock that is a member of the same object, for as long as this guard lives. The member

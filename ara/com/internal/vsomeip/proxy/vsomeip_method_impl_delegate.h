@@ -20,8 +20,10 @@ namespace ara::com::internal::vsomeip::proxy {
 /// The calls of one method of one service instance that are under way: each request waits in a table, under its request
 /// id, for its response. Shared with the response handler, which holds it weakly.
 ///
-/// Calls start on the application's threads, responses arrive on the stack's. A future's continuation runs with this
-/// object's lock held: it must not start another call of the same method.
+/// Calls start on the application's threads, responses arrive on the stack's. Calls are completed one after the other,
+/// under a lock that starting one does not take: the thread that a result wakes often starts the next call at once, and
+/// would have to wait for the thread that woke it. A future's continuation must not wait for another call of the same
+/// method.
 template <typename Descriptor, typename R>
 class MethodImplDelegate {
  public:
@@ -58,13 +60,12 @@ class MethodImplDelegate {
 
   /// Completes the call that a response answers. A response that answers none is dropped.
   void onMessage(const std::shared_ptr<::vsomeip::message>& response) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    const auto found = pending_calls_.find(response->get_request());
-    if (found == pending_calls_.end()) {
+    const std::lock_guard<std::mutex> completing(completion_mutex_);
+    auto taken = TakeCall(response->get_request());
+    if (taken.empty()) {
       return;
     }
-    PendingCall call = std::move(found->second);
-    pending_calls_.erase(found);
+    PendingCall& call = taken.mapped();
     if (!validateMessage(*call.request, *response)) {
       common::LogWarning(kSource, "onMessage", __LINE__) << "Discarding invalid message";
       call.promise.SetError(MakeErrorCode(ComErrc::kNetworkBindingFailure));
@@ -101,6 +102,14 @@ class MethodImplDelegate {
     ara::core::Promise<R> promise;
   };
 
+  using PendingCalls = std::unordered_map<::vsomeip::request_t, PendingCall>;
+
+  // Empty when no call waits under that id.
+  typename PendingCalls::node_type TakeCall(::vsomeip::request_t request) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return pending_calls_.extract(request);
+  }
+
   std::uint16_t NextSession() {
     const std::lock_guard<std::mutex> lock(mutex_);
     return ++session_counter_;
@@ -108,8 +117,9 @@ class MethodImplDelegate {
 
   const std::uint16_t instance_;
   std::uint16_t session_counter_ = 0;  // the last session id used; wraps at 16 bits
+  std::mutex completion_mutex_;        // held while a call is completed, so that completions do not overlap
   std::mutex mutex_;                   // guards the session counter and the pending calls
-  std::unordered_map<::vsomeip::request_t, PendingCall> pending_calls_;
+  PendingCalls pending_calls_;
 };
 
 }  // namespace ara::com::internal::vsomeip::proxy
