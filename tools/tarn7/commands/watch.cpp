@@ -75,8 +75,10 @@ class Watcher {
     auto& service = services_[&interface];
     if (service == nullptr) {
       service = MakeServiceClient(loop_, interface, options_.instance, [this, &interface](bool found) {
-        std::cerr << interface.name << ", instance " << options_.instance << (found ? ": found" : ": gone")
-                  << std::endl;
+        // In one piece, because the stack may log at the same time.
+        std::cerr << interface.name + ", instance " + std::to_string(options_.instance) +
+                         (found ? ": found\n" : ": gone\n")
+                  << std::flush;
       });
     }
     return *service;

@@ -14,13 +14,13 @@ StackServiceClient::StackServiceClient(Loop& loop, const Interface& interface, s
   // The stack reports at once that a service is not there, which is no news.
   application_->register_availability_handler(
       interface.service_id, instance,
-      [this, found = false](auto, auto, bool available) mutable {
-        if (std::exchange(found, available) != available) {
+      [this](auto, auto, bool available) {
+        if (available_.exchange(available) != available) {
           ReportFound(available);
         }
       },
-      interface.major_version);
-  application_->request_service(interface.service_id, instance, interface.major_version);
+      interface.major_version, vsomeip::ANY_MINOR);
+  application_->request_service(interface.service_id, instance, interface.major_version, vsomeip::ANY_MINOR);
 }
 
 std::unique_ptr<FieldClient> StackServiceClient::Connect(const Field& field) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 
@@ -22,7 +23,8 @@ class StackServiceClient final : public ServiceClient {
  private:
   const Interface& interface_;
   const std::uint16_t instance_;
-  StackApplication application_;  // last: its handlers are gone before anything else here is
+  std::atomic<bool> available_{false};  // as the stack reported last
+  StackApplication application_;        // last: its handlers are gone before anything else here is
 };
 
 }  // namespace tarn7::tool
