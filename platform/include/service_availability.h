@@ -14,7 +14,7 @@ namespace ara::com::internal::vsomeip::common {
 /// after that.
 ///
 /// The operations are optional: a platform may lack them, so they are weak and must be compared with null before they
-/// are called. Without them a lost service shows only when it has come back.
+/// are called. Without them neither the loss nor the return of a service shows in the subscription state.
 __attribute__((weak)) ARA_PLATFORM_API std::uint64_t registerAvailabilityHandler(
     const ServiceInstance& service, std::function<void(bool available)> handler);
 __attribute__((weak)) ARA_PLATFORM_API void unregisterAvailabilityHandler(std::uint64_t token);
