@@ -3,6 +3,7 @@
 #include "ara/com/internal/vsomeip/common/field_descriptor.h"
 #include "interfaces/chargetimemanager/chargetimemanager_descriptors.h"
 #include "interfaces/energysystem/energysystem_descriptors.h"
+#include "interfaces/psd2/psd2_descriptors.h"
 #include "interfaces/routebasedconsumption/routebasedconsumption_descriptors.h"
 #include "interfaces/routebasedenergycontents/routebasedenergycontents_descriptors.h"
 
@@ -16,6 +17,7 @@ using ConsumedInterfaces = ara::com::internal::vsomeip::common::TypeList<
 
 /// The interfaces of which the library is the server.
 using ProvidedInterfaces = ara::com::internal::vsomeip::common::TypeList<
+    psd2::psd2_binding::vsomeip::descriptors::Interface,
     routebasedenergycontents::routebasedenergycontents_binding::vsomeip::descriptors::Interface>;
 
 }  // namespace kro::services

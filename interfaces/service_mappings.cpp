@@ -1,12 +1,11 @@
 #include "interfaces/chargetimemanager/chargetimemanager_impl.h"
 #include "interfaces/energysystem/energysystem_impl.h"
-#include "interfaces/psd2/psd2_descriptors.h"
+#include "interfaces/psd2/psd2_service_adapter.h"
 #include "interfaces/routebasedconsumption/routebasedconsumption_impl.h"
 #include "interfaces/routebasedenergycontents/routebasedenergycontents_service_adapter.h"
 #include "registry/service_mapping_impl.h"
 
-/// The registry entries of this library's services. An interface whose binding class is not there yet carries the
-/// marker.
+/// The registry entries of this library's services.
 namespace ara::com::internal::vsomeip::runtime {
 
 namespace {
@@ -22,7 +21,7 @@ namespace energysystem = kro::services::energysystem::energysystem_binding::vsom
 namespace routebasedconsumption = kro::services::routebasedconsumption::routebasedconsumption_binding::vsomeip;
 namespace chargetimemanager = kro::services::chargetimemanager::chargetimemanager_binding::vsomeip;
 
-const Entry<psd2::descriptors::internal::Service, NoProxy, NoAdapter> psd2_entry;
+const Entry<psd2::descriptors::internal::Service, NoProxy, psd2::Psd2ServiceAdapter> psd2_entry;
 const Entry<routebasedenergycontents::descriptors::internal::Service, NoProxy,
             routebasedenergycontents::RouteBasedEnergyContentsServiceAdapter>
     routebasedenergycontents_entry;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -65,11 +66,8 @@ class SequenceContainerSerializer {
  public:
   explicit SequenceContainerSerializer(const Sequence& value) noexcept : value_(value) {}
 
-  /// Grows `out` at most once, to the exact size.
-  void pushbackTo(ByteVector& out) const {
-    out.reserve(out.size() + SerializedSize(value_));
-    Serializer<Sequence>(value_).pushbackTo(out);
-  }
+  /// Grows `out` at most once, to the exact size where it was empty.
+  void pushbackTo(ByteVector& out) const { Serializer<Sequence>(value_).pushbackTo(out); }
 
  private:
   const Sequence& value_;
@@ -77,46 +75,67 @@ class SequenceContainerSerializer {
 
 namespace detail {
 
-/// Appends a length field and fills it in, on Close(), with the number of bytes appended since.
-class LengthField {
+/// Writes values one behind the other into memory that is known to be large enough.
+class Writer {
  public:
-  explicit LengthField(ByteVector& out) : out_(out), start_(out.size()) { out_.resize(start_ + kLengthFieldSize); }
+  explicit Writer(unsigned char* position) noexcept : position_(position) {}
 
-  void Close() {
-    const std::size_t length = out_.size() - start_ - kLengthFieldSize;
-    if (length > std::numeric_limits<std::uint32_t>::max()) {
-      throw std::length_error("value is too large for a 32-bit length field");
+  template <typename T>
+  void Write(const T& value) {
+    if constexpr (kIsScalar<T>) {
+      StoreBigEndian(value, position_);
+      position_ += sizeof(T);
+    } else {
+      unsigned char* const lengthField = position_;
+      position_ += kLengthFieldSize;
+      WriteContent(value);
+      const auto length = static_cast<std::uint32_t>(position_ - lengthField - kLengthFieldSize);
+      StoreBigEndian(length, lengthField);
     }
-    StoreBigEndian(static_cast<std::uint32_t>(length), out_.data() + start_);
+  }
+
+  /// A member of a record: its tag, unless it is absent, and its value.
+  template <typename T>
+  void operator()(std::uint16_t dataId, const char* name, const ara::core::Optional<T>& member) {
+    if (member) {
+      (*this)(dataId, name, *member);
+    }
+  }
+  template <typename T>
+  void operator()(std::uint16_t dataId, const char*, const T& member) {
+    Write(MakeTag(WireTypeOf<T>(), dataId));
+    Write(member);
   }
 
  private:
-  ByteVector& out_;
-  std::size_t start_;
+  template <typename T>
+  void WriteContent(const T& value) {
+    if constexpr (kIsString<T> || kIsByteArray<T>) {
+      position_ = std::copy(value.begin(), value.end(), position_);
+    } else if constexpr (kIsSequence<T>) {
+      for (const auto& element : value) {
+        Write<typename T::value_type>(element);
+      }
+    } else {
+      T::enumerate(value, *this);
+    }
+  }
+
+  unsigned char* position_;
 };
 
 }  // namespace detail
 
 template <typename T>
 void Serializer<T>::pushbackTo(ByteVector& out) const {
-  if constexpr (kIsScalar<T>) {
-    const std::size_t position = out.size();
-    out.resize(position + sizeof(T));
-    StoreBigEndian(value_, out.data() + position);
-  } else {
-    detail::LengthField length(out);
-    if constexpr (kIsString<T> || kIsByteArray<T>) {
-      out.insert(out.end(), value_.begin(), value_.end());
-    } else if constexpr (kIsSequence<T>) {
-      for (const auto& element : value_) {
-        Serializer<typename T::value_type>(element).pushbackTo(out);
-      }
-    } else {
-      TLV_Enumerator members(out);
-      T::enumerate(value_, members);
-    }
-    length.Close();
+  const std::size_t size = SerializedSize(value_);
+  // The outermost length is the greatest.
+  if (size > kLengthFieldSize + std::uint64_t{std::numeric_limits<std::uint32_t>::max()}) {
+    throw std::length_error("value is too large for a 32-bit length field");
   }
+  const std::size_t position = out.size();
+  out.resize(position + size);
+  detail::Writer(out.data() + position).Write(value_);
 }
 
 }  // namespace ara::com::internal::vsomeip::common

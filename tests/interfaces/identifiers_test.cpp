@@ -43,6 +43,11 @@ TEST(Identifiers, OfEveryFieldInTheOrderOfTheClass) {
             "destinations 4040 c040 c040\nrangeOnRouteValues 4020 c020 c020\n"
             "routeBasedResidualEnergyValues 4030 c030 c030\nrwmStatus 4010 c010 c010\n"
             "targetSocChargings 4050 c050 c050\n");
+  EXPECT_EQ(FieldsOf<psd2::psd2_binding::vsomeip::descriptors::Interface>(),
+            "automatedParkingLayer 4070 c070 c070\ndynamicContentLayer 4060 c060 c060\n"
+            "egoPositionLayer 4050 c050 c050\nlaneLayer 4030 c030 c030\nlinkLayerLongRange 4010 c010 c010\n"
+            "linkLayerShortRange 4020 c020 c020\npositioningObjectsLayer 4040 c040 c040\n"
+            "timezoneInformation 4080 c080 c080\n");
 }
 
 }  // namespace

@@ -1,8 +1,11 @@
 #include <atomic>
 #include <stdexcept>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "core_types/com_error_domain.h"
+#include "interfaces/psd2/psd2_descriptors.h"
 #include "registry/service_mapping.h"
 #include "tests/skeleton/skeleton_fixture.h"
 
@@ -66,6 +69,43 @@ TEST_F(OfferTest, NamesTheFirstFieldWithoutAValueInTheCheckOrder) {
   EXPECT_THAT(application_.TakeCalls(), ElementsAre());
   skeleton_->targetSocChargings.Update({});
   EXPECT_EQ(errorOfOffer(), "offered");
+}
+
+TEST_F(OfferTest, Psd2ChecksInOneOrderAndOffersInAnother) {
+  using kro::services::psd2::psd2_binding::vsomeip::descriptors::Interface;
+  kro::services::psd2::skeleton::Psd2Skeleton map({ara::com::InstanceIdentifier("9")});
+  std::string named;
+  ara::com::internal::vsomeip::common::ForEachType(Interface::CheckOrder{}, [&](auto field) {
+    try {
+      map.OfferService();
+    } catch (const ara::com::IllegalStateException& error) {
+      named += error.what() + std::string("\n");
+    }
+    (map.*decltype(field)::skeleton_field).Update({});
+  });
+  std::string expected;
+  for (const char* const name :
+       {"linkLayerLongRange", "linkLayerShortRange", "laneLayer", "positioningObjectsLayer", "egoPositionLayer",
+        "dynamicContentLayer", "automatedParkingLayer", "timezoneInformation"}) {
+    expected +=
+        "Attempt to offer service \"/kro/services/psd2/Psd2\" with uninitialized field \"" + std::string(name) + "\"\n";
+  }
+  EXPECT_EQ(named, expected);
+  EXPECT_THAT(application_.TakeCalls(), ElementsAre());
+
+  map.OfferService();
+  map.StopOfferService();
+  const auto calls = application_.TakeCalls();
+  std::vector<std::string> order;
+  for (const char* const id : {"70", "60", "50", "30", "10", "20", "40", "80"}) {
+    order.push_back(std::string("register_message_handler 6122 9 40") + id);
+  }
+  order.push_back("offer_service 6122 9 6 0");
+  for (const char* const id : {"70", "60", "50", "30", "10", "20", "40", "80"}) {
+    order.push_back(std::string("offer_event 6122 9 c0") + id + " c0" + id + " 1 2 0");
+  }
+  ASSERT_GE(calls.size(), order.size());
+  EXPECT_EQ(std::vector(calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(order.size())), order);
 }
 
 TEST_F(OfferTest, UndoesAnOfferThatFailsAtAnyStep) {

@@ -1,0 +1,4 @@
+#pragma once
+
+/// All records of the psd2 fields.
+#include "interfaces/psd2/psd2_layers.h"

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "core_types/optional.h"
+
+/// Shapes that recur throughout the psd2 records. Every member of every record is optional and held in a heap
+/// allocation of its own; `enumerate` lists the members with their data ids, in the order in which they go on the wire.
+/// The interface model fixes the widths of numbers only: all are unsigned here, which is this library's choice (a
+/// negative number is its two's complement, a float its bits). It names no units.
+namespace kro::services::psd2::datatypes {
+
+/// A record around one value: the extra nesting is part of the wire form.
+template <typename T>
+struct Box {
+  ara::core::Optional<T> member0;
+
+  template <typename Record, typename Enumerator>
+  static void enumerate(Record& record, Enumerator&& enumerator) {
+    enumerator(0, "member0", record.member0);
+  }
+};
+
+/// A record around a sequence.
+template <typename T>
+using SequenceBox = Box<std::vector<T>>;
+
+/// Three 32-bit values.
+struct Triple {
+  ara::core::Optional<std::uint32_t> member0;
+  ara::core::Optional<std::uint32_t> member1;
+  ara::core::Optional<std::uint32_t> member2;
+
+  template <typename Record, typename Enumerator>
+  static void enumerate(Record& record, Enumerator&& enumerator) {
+    enumerator(0, "member0", record.member0);
+    enumerator(1, "member1", record.member1);
+    enumerator(2, "member2", record.member2);
+  }
+};
+
+/// The sixteen bytes that each layer starts with, copied as they are.
+using LayerBytes = std::array<std::uint8_t, 16>;
+
+}  // namespace kro::services::psd2::datatypes
