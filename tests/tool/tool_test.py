@@ -122,7 +122,7 @@ class ToolTest(unittest.TestCase):
 
     def test_help_and_version(self):
         self.assertRegex(run("--version").stdout, r"^tarn7 \d+\.\d+\.\d+")
-        for command in ("list", "get", "set", "watch", "simulate", "offer"):
+        for command in ("list", "get", "set", "decode", "encode", "watch", "simulate", "offer"):
             self.assertIn("Example:", run(command, "--help").stdout)
 
     def test_wrong_usage_and_wrong_values_are_refused_before_anything_is_sent(self):
@@ -152,6 +152,9 @@ class ToolTest(unittest.TestCase):
                 (4, "[0].membre0: no such member; did you mean member0?", "set", SETTABLE, '[{"membre0":1}]'),
                 (4, "[0].member2: 65536 does not fit a 16-bit", "set", SETTABLE, '[{"member2":65536}]'),
                 (4, "expected an array", "set", SETTABLE, "7"),
+                (4, "[0].member2: 65536 does not fit", "encode", SETTABLE, '[{"member2":65536}]'),
+                (4, "[0].member0 at byte 10: Insufficient arguments", "decode", SETTABLE, "0000000700000003000007"),
+                (4, "HEX: no hex digits", "decode", SETTABLE, "0g"),
                 (4, "cannot be read", "simulate", "energysystem", "--values", "/nonexistent"),
                 (4, "parse error", "simulate", "energysystem", "--values", file('{"notifications":[')),
                 (4, "expected an object", "simulate", "energysystem", "--values", file("[]")),
@@ -163,6 +166,17 @@ class ToolTest(unittest.TestCase):
                 result = run(*arguments)
                 self.assertEqual((result.returncode, result.stdout), (status, ""), result.stderr)
                 self.assertIn(message, result.stderr)
+
+    def test_payloads_need_no_network(self):
+        for interface in json.loads(run("list", "--json").stdout):
+            for field in interface["fields"]:
+                value = [{}, {member["name"]: 1 for member in field["members"] if member["type"].startswith("uint")}]
+                address = f"{interface['interface']}/{field['field']}"
+                payload = run("encode", address, json.dumps(value)).stdout
+                self.assertEqual(json.loads(run("decode", address, text=payload.upper()).stdout), value)
+        result = run("decode", ADDRESS, "0000000A 00000006", "2000\n0000002a", "ff")
+        self.assertEqual((result.stdout, result.returncode), ('[{"member0":42}]\n', 0))
+        self.assertEqual(result.stderr, "warning: the value ends at byte 14: 1 more bytes are passed over\n")
 
     def test_get(self):
         self.simulate("energysystem", values=VALUES)

@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "serialization/serializer.h"
 #include "tests/serialization/sample_records.h"
 #include "tests/support/hex.h"
 #include "tools/tarn7/error.h"
@@ -18,10 +19,15 @@
 #include "tools/tarn7/values/from_json.h"
 #include "tools/tarn7/values/moving_value.h"
 #include "tools/tarn7/values/nearest.h"
+#include "tools/tarn7/values/payload_check.h"
 #include "tools/tarn7/values/to_json.h"
 
 namespace tarn7::tool {
 namespace {
+
+namespace common = ara::com::internal::vsomeip::common;
+
+using Records = std::vector<sample::Everything>;
 
 constexpr const char* kEverything =
     R"({"member9":18446744073709551615,"member0":true,"member1":-32768,"member2":0.1,"member3":1e-300,)"
@@ -96,7 +102,6 @@ std::string Refusal(const char* json) {
 }
 
 TEST(Values, WhatDoesNotFitIsRefusedWithItsPlace) {
-  using Records = std::vector<sample::Everything>;
   const std::pair<const char*, const char*> refusals[] = {
       {"{}", "the value: expected an array, found {}"},
       {R"([{},{"member8":{"member0":4294967296}}])",
@@ -152,6 +157,72 @@ TEST(Values, FieldsEncodeToTheirBytes) {
   EXPECT_EQ(field.Encode(value), bytes);
   EXPECT_EQ(field.Decode(bytes.data(), bytes.size()), value);
   EXPECT_THROW(field.Decode(bytes.data(), bytes.size() - 1), std::runtime_error);
+}
+
+/// What the check says of a payload; of one that it lets pass, whether the decoder takes it.
+std::string Verdict(const std::vector<unsigned char>& bytes) {
+  try {
+    const PayloadNotes notes = CheckPayload<Records>(bytes.data(), bytes.size());
+    common::DeserializeFieldValue<Records>(bytes.data(), bytes.size());
+    return notes.empty() ? "accepted" : notes.back();
+  } catch (const PayloadError& error) {
+    return error.what();
+  } catch (const std::exception& error) {
+    return std::string("let pass: ") + error.what();
+  }
+}
+
+TEST(Payloads, WhatCannotBeReadIsNamedWithItsPlace) {
+  const std::pair<const char*, const char*> verdicts[] = {
+      {"", "the value at byte 0: Deserialization of ara::core::Vector<T> failed, insufficient data."},
+      {"00000008 00000000 00000001",
+       "[1] at byte 8: Deserialization of structure failed, declared size excess data length."},
+      {"00000007 00000000 000000", "[1] at byte 8: Deserialization of structure failed, unable to read size."},
+      {"00000009 00000005 1001 0007 00",
+       "[0] at byte 12: Deserialization of trivially copyable type failed, insufficient data!"},
+      {"00000009 00000005 2002 000000",
+       "[0].member2 at byte 8: Deserialization of structure failed, declared size excess data length."},
+      {"00000007 00000003 0001 07", "[0].member1 at byte 10: Insufficient arguments from remote end"},
+      {"00000014 00000010 4008 0000000A 3000 0000000000000001", "[0].member8.member0 at byte 16: 8 bytes"},
+      {"00000017 00000013 4FFF 0000000D 00000000 00000005 0000 00 4000",
+       "[0].member4095[1].member0 at byte 24: Insufficient arguments from remote end"},
+      {"0000000D 00000009 4007 00000003 000102",
+       "[0].member7 at byte 10: Deserialization of sequence container failed, insufficient data."},
+      {"00000007 00000003 0063 07", "[0] at byte 8: no member has data id 99"},
+      {"00000000 FFFF", "the value ends at byte 4: 2 more bytes are passed over"}};
+  for (const auto& [bytes, verdict] : verdicts) {
+    EXPECT_THAT(Verdict(support::Bytes(bytes)), testing::HasSubstr(verdict)) << bytes;
+  }
+  const auto strict = support::Bytes("00000007 00000003 0001 07");
+  EXPECT_THROW(CheckPayload<std::vector<sample::Strict>>(strict.data(), strict.size()), PayloadError);
+}
+
+TEST(Payloads, TheCheckRefusesWhatTheDecoderRefuses) {
+  std::vector<unsigned char> whole;
+  common::SequenceContainerSerializer<Records>(
+      FromJson<Records>(Json::parse("[" + std::string(kEverything) + "," + kEverything + "]")))
+      .pushbackTo(whole);
+  std::mt19937 random;
+  int accepted = 0;
+  for (int i = 0; i < 20000; ++i) {
+    std::vector<unsigned char> bytes = whole;
+    for (std::size_t changes = 1 + random() % 2; changes > 0; --changes) {
+      bytes[random() % bytes.size()] ^= static_cast<unsigned char>(1U << (random() % 8));
+    }
+    bytes.resize(bytes.size() - (random() % 4 == 0 ? random() % bytes.size() : 0));
+    const std::string verdict = Verdict(bytes);
+    ASSERT_THAT(verdict, testing::Not(testing::HasSubstr("let pass"))) << ToHex(bytes.data(), bytes.size());
+    accepted += verdict == "accepted" ? 1 : 0;
+    if (verdict.find(": Deserialization of ") != std::string::npos) {
+      try {
+        common::DeserializeFieldValue<Records>(bytes.data(), bytes.size());
+        FAIL() << verdict;
+      } catch (const std::runtime_error& error) {
+        ASSERT_THAT(verdict, testing::EndsWith(error.what()));
+      }
+    }
+  }
+  EXPECT_GT(accepted, 100);
 }
 
 TEST(Names, TheNearestIsOffered) {

@@ -47,6 +47,8 @@ int main(int argc, char** argv) {
   AddListCommand(tool, chosen);
   AddGetCommand(tool, chosen);
   AddSetCommand(tool, chosen);
+  AddDecodeCommand(tool, chosen);
+  AddEncodeCommand(tool, chosen);
   AddWatchCommand(tool, chosen);
   AddSimulateCommand(tool, chosen);
   AddOfferCommand(tool, chosen);

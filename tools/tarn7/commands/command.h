@@ -19,6 +19,8 @@ using Command = std::function<void(Output&)>;
 void AddListCommand(CLI::App& tool, Command& chosen);
 void AddGetCommand(CLI::App& tool, Command& chosen);
 void AddSetCommand(CLI::App& tool, Command& chosen);
+void AddDecodeCommand(CLI::App& tool, Command& chosen);
+void AddEncodeCommand(CLI::App& tool, Command& chosen);
 void AddWatchCommand(CLI::App& tool, Command& chosen);
 void AddSimulateCommand(CLI::App& tool, Command& chosen);
 void AddOfferCommand(CLI::App& tool, Command& chosen);

@@ -19,7 +19,7 @@ void Set(Output& output, const SetOptions& options) {
   if (!address.field->HasSetter()) {
     throw CommandError(Status::kUsage, address.ToString() + " has no setter: it can only be read");
   }
-  const Json value = options.value == "-" ? ParseJsonFile("-") : ParseJson(options.value, "JSON");
+  const Json value = ReadJsonArgument(options.value);
   address.field->Encode(value);  // a wrong value is refused before anything goes on the network
   Loop loop;
   const auto service = MakeServiceClient(loop, *address.interface, options.instance);

@@ -11,6 +11,7 @@
 #include "tools/tarn7/model/value_type.h"
 #include "tools/tarn7/server/offered_service.h"
 #include "tools/tarn7/values/json.h"
+#include "tools/tarn7/values/payload_check.h"
 
 namespace tarn7::tool {
 
@@ -35,7 +36,9 @@ class Field {
   const ValueType& Type() const noexcept { return type_; }
   bool HasSetter() const noexcept { return ids_.setter != 0; }
 
-  /// Throws std::runtime_error, with the library's own text, for bytes that are no value of the field.
+  /// Throws PayloadError for bytes that are no value of the field. Says what Decode passes over.
+  virtual PayloadNotes Check(const unsigned char* data, std::size_t size) const = 0;
+  /// Throws PayloadError for bytes that are no value of the field.
   virtual Json Decode(const unsigned char* data, std::size_t size) const = 0;
   /// Throws ValueError, which names the place, for JSON that is no value of the field.
   virtual std::vector<unsigned char> Encode(const Json& value) const = 0;

@@ -26,7 +26,12 @@ class TypedField final : public Field {
  public:
   TypedField() : Field(Descriptor::name, MakeIdentifiers(), DescribeType<Value>()) {}
 
+  PayloadNotes Check(const unsigned char* data, std::size_t size) const override {
+    return CheckPayload<Value>(data, size);
+  }
+
   Json Decode(const unsigned char* data, std::size_t size) const override {
+    Check(data, size);  // the decoder may end the process where a number is too short
     return ToJson(ara::com::internal::vsomeip::common::DeserializeFieldValue<Value>(data, size));
   }
 

@@ -51,6 +51,18 @@ void AppendTo(std::string& text, const Json& json) {
 
 }  // namespace
 
+std::string ReadText(const std::string& path) {
+  if (path == "-") {
+    return std::string(std::istreambuf_iterator<char>(std::cin), {});
+  }
+  std::ifstream file(path);
+  std::string text(std::istreambuf_iterator<char>(file), {});
+  if (!file.is_open() || file.bad()) {
+    throw ValueError(path + " cannot be read: " + std::strerror(errno));
+  }
+  return text;
+}
+
 Json ParseJson(std::string_view text, const std::string& source) {
   try {
     return Json::parse(text);
@@ -59,16 +71,10 @@ Json ParseJson(std::string_view text, const std::string& source) {
   }
 }
 
-Json ParseJsonFile(const std::string& path) {
-  if (path == "-") {
-    return ParseJson(std::string(std::istreambuf_iterator<char>(std::cin), {}), "standard input");
-  }
-  std::ifstream file(path);
-  std::string text(std::istreambuf_iterator<char>(file), {});
-  if (!file.is_open() || file.bad()) {
-    throw ValueError(path + " cannot be read: " + std::strerror(errno));
-  }
-  return ParseJson(text, path);
+Json ParseJsonFile(const std::string& path) { return ParseJson(ReadText(path), path == "-" ? "standard input" : path); }
+
+Json ReadJsonArgument(const std::string& argument) {
+  return argument == "-" ? ParseJsonFile("-") : ParseJson(argument, "JSON");
 }
 
 std::string ToText(const Json& json) {

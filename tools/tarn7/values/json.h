@@ -10,10 +10,15 @@ namespace tarn7::tool {
 /// Members keep their order: that of the record.
 using Json = nlohmann::ordered_json;
 
+/// What a file holds, or standard input where `path` is "-". Throws ValueError where it cannot be read.
+std::string ReadText(const std::string& path);
+
 /// Throws ValueError, which names line and column, for what is no JSON text. `source` says where the text is from.
 Json ParseJson(std::string_view text, const std::string& source);
 /// Reads a file, or standard input where `path` is "-". Throws ValueError where it cannot be read.
 Json ParseJsonFile(const std::string& path);
+/// JSON as it stands on a command line; "-" stands for standard input.
+Json ReadJsonArgument(const std::string& argument);
 
 /// On one line. Bytes in a string that are no UTF-8 are shown as U+FFFD, so such a string cannot be read back.
 std::string ToText(const Json& json);
