@@ -88,9 +88,9 @@ class Writer {
     } else {
       unsigned char* const lengthField = position_;
       position_ += kLengthFieldSize;
+      const unsigned char* const content = position_;
       WriteContent(value);
-      const auto length = static_cast<std::uint32_t>(position_ - lengthField - kLengthFieldSize);
-      StoreBigEndian(length, lengthField);
+      StoreBigEndian(static_cast<std::uint32_t>(position_ - content), lengthField);
     }
   }
 

@@ -1,5 +1,6 @@
 #include "platform/vsomeipbinding/someip_binding.h"
 
+#include <dlfcn.h>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -12,20 +13,20 @@
 
 namespace ara::com::internal::vsomeip::runtime {
 
-namespace detail {
-
-/// VSomeIPServiceMapping::GetMappingForServiceId, which a library that carries services defines. A declaration of its
-/// own under the name that the compiler gives the function, because only this library looks at it weakly: so it can be
-/// loaded without any service.
-__attribute__((weak)) const VSomeIPServiceMapping::Mapping* LookUpMapping(std::uint16_t araServiceId) __asm__(
-    "_ZN3ara3com8internal7vsomeip7runtime21VSomeIPServiceMapping22GetMappingForServiceIdEt");
-
-}  // namespace detail
-
 namespace {
 
+/// VSomeIPServiceMapping::GetMappingForServiceId, which a library that carries services defines, under the name that
+/// the compiler gives it.
+constexpr const char* kLookUpMapping =
+    "_ZN3ara3com8internal7vsomeip7runtime21VSomeIPServiceMapping22GetMappingForServiceIdEt";
+
+/// Looks the function up in every call instead of being linked with it: so this library can be loaded without any
+/// service, one that is loaded later is found too, and one that was never used can be unloaded. What was found once,
+/// the loader keeps for as long as this library is there.
 const VSomeIPServiceMapping::Mapping* FindMapping(std::uint16_t araServiceId) {
-  return detail::LookUpMapping != nullptr ? detail::LookUpMapping(araServiceId) : nullptr;
+  using LookUp = const VSomeIPServiceMapping::Mapping* (*)(std::uint16_t);
+  const auto lookUp = reinterpret_cast<LookUp>(::dlsym(RTLD_DEFAULT, kLookUpMapping));
+  return lookUp != nullptr ? lookUp(araServiceId) : nullptr;
 }
 
 }  // namespace
