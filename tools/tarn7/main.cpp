@@ -52,6 +52,7 @@ int main(int argc, char** argv) {
   AddWatchCommand(tool, chosen);
   AddSimulateCommand(tool, chosen);
   AddOfferCommand(tool, chosen);
+  AddWiresharkCommand(tool, chosen);
   try {
     tool.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

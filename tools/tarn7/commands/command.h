@@ -24,6 +24,7 @@ void AddEncodeCommand(CLI::App& tool, Command& chosen);
 void AddWatchCommand(CLI::App& tool, Command& chosen);
 void AddSimulateCommand(CLI::App& tool, Command& chosen);
 void AddOfferCommand(CLI::App& tool, Command& chosen);
+void AddWiresharkCommand(CLI::App& tool, Command& chosen);
 
 /// What the commands have in common, with one meaning everywhere.
 struct ServiceOptions {

@@ -22,7 +22,7 @@ struct ValueType {
   Kind kind;
   std::string name;                ///< as users see it: "uint32", "sequence of record"
   std::uint64_t max = 0;           ///< of an integer: its greatest value
-  std::size_t size = 0;            ///< of bytes: how many, 0 for any number
+  std::size_t size = 0;            ///< of a number: its bytes; of bytes: how many, 0 for any number
   std::vector<ValueType> element;  ///< of a sequence: exactly one
   std::vector<Member> members;     ///< of a record
 };
@@ -54,7 +54,7 @@ struct MemberDescriber {
 template <typename T>
 ValueType DescribeInteger() {
   const char* const sign = std::is_signed_v<T> ? "int" : "uint";
-  ValueType type{ValueType::Kind::kInteger, sign + std::to_string(8 * sizeof(T)), 0, 0, {}, {}};
+  ValueType type{ValueType::Kind::kInteger, sign + std::to_string(8 * sizeof(T)), 0, sizeof(T), {}, {}};
   type.max = static_cast<std::uint64_t>(std::numeric_limits<T>::max());
   return type;
 }
@@ -72,7 +72,7 @@ ValueType DescribeType() {
   } else if constexpr (std::is_integral_v<T>) {
     return detail::DescribeInteger<T>();
   } else if constexpr (std::is_floating_point_v<T>) {
-    return {Kind::kFloat, sizeof(T) == sizeof(float) ? "float" : "double", 0, 0, {}, {}};
+    return {Kind::kFloat, sizeof(T) == sizeof(float) ? "float" : "double", 0, sizeof(T), {}, {}};
   } else if constexpr (common::kIsString<T>) {
     return {Kind::kString, "string", 0, 0, {}, {}};
   } else if constexpr (common::kIsByteArray<T>) {
