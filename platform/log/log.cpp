@@ -11,7 +11,7 @@ namespace ara::log {
 
 class LoggerImpl::Sink {
  public:
-  Sink(std::string contextId, const std::string& description, LogLevel level)
+  Sink(const std::string& contextId, const std::string& description, LogLevel level)
       : level_(Settings::Get().level.value_or(level)), carrier_(MakeCarrier(contextId, description)) {}
 
   LogLevel Level() const noexcept { return level_; }
@@ -34,7 +34,7 @@ class LoggerImpl::Sink {
 };
 
 LoggerImpl::LoggerImpl(std::string contextId, std::string description, LogLevel level)
-    : sink_(std::make_unique<Sink>(std::move(contextId), description, level)) {}
+    : sink_(std::make_unique<Sink>(contextId, description, level)) {}
 
 LoggerImpl::~LoggerImpl() = default;
 

@@ -3,11 +3,12 @@
 #include <cstring>
 #include <functional>
 #include <future>
-#include <gtest/gtest.h>
 #include <memory>
 #include <mutex>
 #include <type_traits>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "ara/com/internal/skeleton/typed_service_impl_base.h"
 #include "ara/com/internal/vsomeip/skeleton/vsomeip_field_impl.h"

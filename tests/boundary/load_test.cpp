@@ -3,11 +3,12 @@
 #include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <iterator>
 #include <malloc.h>
 #include <memory>
 #include <string>
+
+#include <gtest/gtest.h>
 
 #include "platform/include/runtime.h"
 #include "registry/service_mapping.h"
