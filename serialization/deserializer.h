@@ -18,12 +18,17 @@
 
 namespace ara::com::internal::vsomeip::common {
 
+#ifndef TARN7_SHORT_SCALAR_IS_FATAL
+#define TARN7_SHORT_SCALAR_IS_FATAL 1
+#endif
+
 /// Records: a 4-byte length, then members in tag-length-value form. Members with an unknown data id are skipped; of a
 /// data id that occurs twice the later value stays.
 ///
 /// getValue() throws std::runtime_error where a length does not fit. A scalar member whose bytes are fewer than its
 /// type needs ends the process instead (std::terminate): a sender that writes a member narrower than its type has
-/// another interface in mind, and none of its values can be trusted.
+/// another interface in mind, and none of its values can be trusted. Built with TARN7_SHORT_SCALAR=error it is
+/// std::runtime_error, too.
 template <typename T>
 class Deserializer<T, std::enable_if_t<kIsRecord<T>>> {
  public:
@@ -124,9 +129,9 @@ class MemberDecoder {
     }
   }
 
-  // No exception leaves this function: a scalar that is shorter than its type is fatal.
+  // No exception leaves this function where a scalar that is shorter than its type is to be fatal.
   template <typename T>
-  void DecodeScalar(ara::core::Optional<T>& member) const noexcept {
+  void DecodeScalar(ara::core::Optional<T>& member) const noexcept(TARN7_SHORT_SCALAR_IS_FATAL) {
     DeserializingEnumerator(view_.data, view_.size)(member);
   }
 

@@ -1,4 +1,8 @@
 // An application outside of the project: it has the installed headers and libraries, and no vehicle.
+#ifndef TARN7_SHORT_SCALAR_IS_FATAL
+#error "the package must say how the library reads short scalars: the headers decide by it, too"
+#endif
+
 #include <cstdint>
 #include <iostream>
 #include <vector>
