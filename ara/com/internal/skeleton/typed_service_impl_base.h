@@ -26,7 +26,7 @@ class TypedServiceImplBase : public ServiceImplBase {
   template <typename Interface>
   void Offer() {
     ara::core::internal::ForEachType(typename Interface::CheckOrder{},
-                                     [this](auto field) { RequireValue<Interface, decltype(field)>(); });
+                                     [this](auto field) { this->template RequireValue<Interface, decltype(field)>(); });
     Runtime::Init();
     try {
       for (const InstanceIdentifier& instance : GetInstanceIdentifiers()) {
