@@ -13,3 +13,7 @@ if(TARN7_SANITIZE)
     add_compile_options(-Wno-tsan)
   endif()
 endif()
+
+if(TARN7_BUILD_FUZZERS)
+  add_compile_options(-fsanitize=fuzzer-no-link)  # what is reached is counted; the fuzzers alone bring libFuzzer's main
+endif()
