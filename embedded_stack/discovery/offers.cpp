@@ -8,10 +8,6 @@ namespace vsomeip_v3::embedded {
 
 namespace {
 constexpr std::size_t kMaxAnswers = 1024;  // waiting at a time
-
-bool IsUsable(const std::optional<Endpoint>& endpoint) {
-  return endpoint && endpoint->port != 0 && endpoint->address != 0 && endpoint->address >> 28U < 0xE;
-}
 }  // namespace
 
 void Offers::Add(const ServiceInstance& key, const Offer& offer, TimePoint now) {
@@ -98,8 +94,8 @@ void Offers::OnFind(const DiscoveryEntry& find, std::uint32_t from, TimePoint no
 }
 
 bool Offers::Accepts(const Entry& entry, const DiscoveryEntry& subscribe) const {
-  return subscribe.major == entry.offer.major && !subscribe.bad_options && IsUsable(subscribe.udp) &&
-         has_eventgroup_(subscribe.service, subscribe.instance, subscribe.eventgroup);
+  return subscribe.major == entry.offer.major && !subscribe.bad_options && subscribe.udp &&
+         subscribe.udp->IsUnicast() && has_eventgroup_(subscribe.service, subscribe.instance, subscribe.eventgroup);
 }
 
 std::size_t Offers::SubscriptionCount() const {

@@ -167,7 +167,7 @@ void Requests::OnOffer(const DiscoveryEntry& offer, std::uint32_t from, TimePoin
     return;
   }
   if (!IsRequested(key, offer.major, offer.minor)) return;
-  if (!offer.udp || offer.bad_options || offer.udp->port == 0) {
+  if (!offer.udp || offer.bad_options || !offer.udp->IsUnicast()) {
     out.drops.push_back(Drop::kBadDiscovery);
     return;
   }

@@ -66,13 +66,18 @@ bool Reassembler::MakeRoom(const Endpoint& from, std::size_t size, const Key& ke
     ++count;
     if (it->first != keep && (oldest == messages_.end() || it->second.last < oldest->second.last)) oldest = it;
   }
-  if (messages_.find(keep) != messages_.end()) --count;
-  const auto peer = bytes_per_peer_.find(from.address);
-  const std::size_t peer_bytes = peer == bytes_per_peer_.end() ? 0 : peer->second;
-  if (count < kMaxMessagesPerPeer && peer_bytes + size <= kMaxBytesPerPeer && bytes_ + size <= kMaxBytes) return true;
+  const bool is_known = messages_.find(keep) != messages_.end();
+  if (is_known) --count;
+  const auto fits = [&] {
+    const auto peer = bytes_per_peer_.find(from.address);
+    const std::size_t peer_bytes = peer == bytes_per_peer_.end() ? 0 : peer->second;
+    return peer_bytes + size <= kMaxBytesPerPeer && bytes_ + size <= kMaxBytes &&
+           (is_known || messages_.size() < kMaxMessages);
+  };
+  if (count < kMaxMessagesPerPeer && fits()) return true;
   if (oldest == messages_.end()) return false;
   Erase(oldest);
-  return bytes_ + size <= kMaxBytes && bytes_per_peer_[from.address] + size <= kMaxBytesPerPeer;
+  return fits();
 }
 
 void Reassembler::Erase(Messages::iterator message) {

@@ -22,6 +22,7 @@ class Reassembler {
  public:
   using TimePoint = std::chrono::steady_clock::time_point;
 
+  static constexpr std::size_t kMaxMessages = 1024;  // senders' addresses can be forged: as many as one likes
   static constexpr std::size_t kMaxMessagesPerPeer = 16;
   static constexpr std::size_t kMaxBytesPerPeer = 2 * kMaxPayload;
   static constexpr std::size_t kMaxBytes = 4 * kMaxPayload;

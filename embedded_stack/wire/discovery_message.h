@@ -18,6 +18,9 @@ struct Endpoint {
   std::uint32_t address = 0;
   port_t port = 0;
 
+  // Whether one node can be reached there: not a group, and not nowhere.
+  bool IsUnicast() const { return port != 0 && address != 0 && address >> 28U < 0xE; }
+
   bool operator==(const Endpoint& other) const { return address == other.address && port == other.port; }
   bool operator!=(const Endpoint& other) const { return !(*this == other); }
   bool operator<(const Endpoint& other) const {

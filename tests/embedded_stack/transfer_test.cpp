@@ -93,6 +93,13 @@ TEST_F(ReassemblerTest, MemoryAndTimeAreBounded) {
     for (std::uint32_t i = 0; i < 1000; ++i) Add({i * 1392, 1392, true}, 1, {peer, 1});
   }
   EXPECT_LE(reassembler_.Bytes(), Reassembler::kMaxBytes);
+  now_ += Reassembler::kIdleLimit;
+  reassembler_.Expire(now_);
+  std::size_t accepted = 0;  // of many peers that say very little
+  for (std::uint32_t peer = 1; peer <= 2000; ++peer)
+    accepted += Add({0, 16, true}, 1, {peer, 1}) != Outcome::kOverLimit;
+  EXPECT_EQ(accepted, Reassembler::kMaxMessages);
+  EXPECT_EQ(Add({16, 1, false}, 1, {1, 1}), Outcome::kComplete);
 
   now_ += Reassembler::kIdleLimit;
   EXPECT_GT(reassembler_.Expire(now_), 0U);
