@@ -9,16 +9,35 @@
 
 namespace benchmarks {
 
-/// Gives every member of a record a value; sequences have eight elements.
-struct MemberFiller {
+/// Gives every member of a record a value, down to the leaves of its tree.
+class MemberFiller {
+ public:
+  explicit MemberFiller(std::size_t elements = 8) noexcept : elements_(elements) {}
+
   template <typename T>
   void operator()(std::uint16_t dataId, const char*, ara::core::Optional<T>& member) const {
-    if constexpr (ara::com::internal::vsomeip::common::kIsSequence<T>) {
-      member = T(8, static_cast<typename T::value_type>(dataId));
+    Fill(dataId, member.emplace());
+  }
+
+ private:
+  template <typename T>
+  void Fill(std::uint16_t dataId, T& value) const {
+    namespace common = ara::com::internal::vsomeip::common;
+    if constexpr (common::kIsScalar<T>) {
+      value = static_cast<T>(dataId + 1);
+    } else if constexpr (common::kIsString<T> || common::kIsByteArray<T>) {
+      value = T{'m', 'a', 'p'};
+    } else if constexpr (common::kIsSequence<T>) {
+      value.resize(elements_);
+      for (auto& element : value) {
+        Fill(dataId, element);
+      }
     } else {
-      member = static_cast<T>(dataId + 1);
+      T::enumerate(value, *this);
     }
   }
+
+  std::size_t elements_;  // of every sequence
 };
 
 /// A field's value: the given number of records with all their members.

@@ -47,8 +47,13 @@ void ApplicationImpl::notify_one(service_t service, instance_t instance, event_t
 
 void ApplicationImpl::Notify(const ServiceInstance& key, event_t event, const std::shared_ptr<payload>& payload,
                              bool force, const client_t* only) {
-  if (!payload || payload->get_length() > kMaxPayload) {
-    log_->Error(NameOf(key, event), ": no payload, or one above the limit of ", kMaxPayload, " bytes: nothing is sent");
+  if (!payload) {
+    log_->Error(NameOf(key, event), ": no payload: nothing is sent");
+    return;
+  }
+  if (payload->get_length() > kMaxPayload) {
+    log_->Error(NameOf(key, event), ": a payload of ", payload->get_length(), " bytes is above the limit of ", kMaxPayload,
+                ": nothing is sent");
     return;
   }
   const byte_t* const data = payload->get_data();

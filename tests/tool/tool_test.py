@@ -29,6 +29,24 @@ ROUTE = {
 }
 
 
+def map_of(links, text=""):
+    """A psd2 value for each field; the link layer holds that many links with all their members, and the text."""
+    reference = {"member1": 1 << 40, "member0": 1, "member2": 2}
+    two = {"member0": [reference, reference]}
+    box, attribute = {"member0": 7}, {"member0": 3, "member1": 4}
+    segment = {"member0": 1, "member1": 2, "member2": 3, "member3": 4, "member4": box, "member6": 5}
+    points = {"member0": [{"member0": 1, "member1": attribute}] * 2}
+    profile = {"member0": 1, "member1": 2, "member2": box, "member3": points}
+    link = {"member0": 1, "member1": two, "member2": two, "member3": box, "member4": reference, "member5": 1,
+            "member6": box, "member7": box, "member8": {"member0": [segment] * 2}, "member9": {"member0": [attribute] * 2},
+            "member10": 1, "member11": 2, "member12": box, "member13": 3, "member14": 4,
+            "member15": {"member0": [profile] * 2}, "member16": 1, "member17": box, "member18": 9}
+    layer = {"member0": "00" * 16, "member1": [link] * links, "layerInfo": {"member1": {"member0": [{"member0": text}]}}}
+    return {field: [layer] if field == "linkLayerLongRange" else [] for field in (
+        "automatedParkingLayer", "dynamicContentLayer", "egoPositionLayer", "laneLayer", "linkLayerLongRange",
+        "linkLayerShortRange", "positioningObjectsLayer", "timezoneInformation")}
+
+
 class Process:
     """A process whose output lines can be waited for."""
 
@@ -85,8 +103,8 @@ class ToolTest(unittest.TestCase):
         process.wait_for(f"offering {interfaces[-1]}", process.process.stderr)
         return process
 
-    def offer(self, *arguments):
-        process = self.start("offer", PROVIDED, "--values", self.file(json.dumps(ROUTE)), *arguments)
+    def offer(self, *arguments, interface=PROVIDED, values=None):
+        process = self.start("offer", interface, "--values", self.file(json.dumps(values or ROUTE)), *arguments)
         process.wait_for("offering", process.process.stderr)
         return process
 
@@ -283,6 +301,25 @@ class ToolTest(unittest.TestCase):
         self.assertEqual(status, 0)
         self.assertIn(f"{PROVIDED}: 5 values offered", errors)
         self.assert_unoffered(PROVIDED + "/rwmStatus")
+
+    def test_a_map_of_several_megabytes_is_served_and_notified(self):
+        large = map_of(links=10_000)
+        self.offer(interface="psd2", values=large)
+        for command in ("get", "watch"):
+            limit = ["--count", "1"] if command == "watch" else []
+            value = json.loads(self.run_here(command, "psd2/linkLayerLongRange", *limit).stdout)
+            self.assertTrue((value if command == "get" else value["value"]) == large["linkLayerLongRange"], command)
+
+    def test_a_map_above_the_limit_of_the_stack_is_an_error_at_the_sender(self):
+        if "embedded" not in STACK:
+            self.skipTest(f"the limit is the embedded stack's, not that of {STACK}")
+        offer = self.offer(interface="psd2", values=map_of(links=1, text="x" * (17 << 20)))
+        result = run("get", "psd2/linkLayerLongRange", "--instance", self.instance, "--timeout", "1000")
+        self.assertEqual((result.returncode, result.stdout), (2, ""))
+        self.assertEqual(self.run_here("get", "psd2/laneLayer").stdout, "[]\n")
+        errors = offer.end()[1]
+        self.assertEqual(len(re.findall(r"a payload of 17826\d{3} bytes is above the limit of 16777216: nothing is sent",
+                                        errors)), 1, errors)
 
     def test_watch_follows_what_is_offered_again(self):
         watch = self.start("watch", PROVIDED + "/rwmStatus", "energysystem/notifications")
