@@ -52,8 +52,8 @@ void ApplicationImpl::Notify(const ServiceInstance& key, event_t event, const st
     return;
   }
   if (payload->get_length() > kMaxPayload) {
-    log_->Error(NameOf(key, event), ": a payload of ", payload->get_length(), " bytes is above the limit of ", kMaxPayload,
-                ": nothing is sent");
+    log_->Error(NameOf(key, event), ": a payload of ", payload->get_length(), " bytes is above the limit of ",
+                kMaxPayload, ": nothing is sent");
     return;
   }
   const byte_t* const data = payload->get_data();
