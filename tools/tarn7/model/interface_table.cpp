@@ -1,47 +1,18 @@
 #include "tools/tarn7/model/interface_table.h"
 
-#include "ara/com/internal/vsomeip/common/field_descriptor.h"
-#include "interfaces/interface_list.h"
 #include "tools/tarn7/error.h"
-#include "tools/tarn7/model/typed_field.h"
-#include "tools/tarn7/server/skeleton_service.h"
+#include "tools/tarn7/model/make_interface.h"
 #include "tools/tarn7/values/nearest.h"
 
 namespace tarn7::tool {
 
-namespace {
-
-namespace common = ara::com::internal::vsomeip::common;
-
-template <typename Descriptor>
-Interface MakeInterface() {
-  using Service = typename Descriptor::Service;
-  Interface interface {
-    Service::name, Service::ara_service_id, Service::service_id, Service::major_version, Service::minor_version, {}, {}
-  };
-  common::ForEachType(typename Descriptor::Fields{}, [&interface](auto field) {
-    interface.fields.push_back(std::make_unique<const TypedField<Descriptor, decltype(field)>>());
-  });
-  if constexpr (kIsProvided<Descriptor>) {
-    interface.make_skeleton = [](std::uint16_t instance) {
-      return std::make_unique<SkeletonService<Descriptor>>(instance);
-    };
-  }
-  return interface;
-}
-
-std::vector<Interface> MakeInterfaces() {
-  std::vector<Interface> interfaces;
-  const auto add = [&interfaces](auto descriptor) { interfaces.push_back(MakeInterface<decltype(descriptor)>()); };
-  common::ForEachType(kro::services::ConsumedInterfaces{}, add);
-  common::ForEachType(kro::services::ProvidedInterfaces{}, add);
-  return interfaces;
-}
-
-}  // namespace
-
 const std::vector<Interface>& Interfaces() {
-  static const std::vector<Interface> interfaces = MakeInterfaces();
+  static const std::vector<Interface> interfaces = [] {
+    std::vector<Interface> all;
+    AddConsumedInterfaces(all);
+    AddProvidedInterfaces(all);
+    return all;
+  }();
   return interfaces;
 }
 
