@@ -1,18 +1,23 @@
 """The built program, end to end: tool_test.py TARN7 STEERED_PROVIDER STACK"""
 
 import json
+import os
 import random
 import re
 import select
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
 import time
 import unittest
+import unittest.mock
+from pathlib import Path
 
 DEADLINE = 20  # seconds, for whatever should happen at once
 TOOL, PROVIDER, STACK = sys.argv[1:4]
+COMPLETION = Path(__file__).parents[2] / "tools/tarn7/completion/tarn7.bash"
 ADDRESS = "energysystem/notifications"
 SETTABLE = "chargetimemanager/chargeTimeCalculations"
 VALUES = {
@@ -140,9 +145,33 @@ class ToolTest(unittest.TestCase):
                 self.assertRegex(table, rf"{field['field']} +getter 0x{field['getter']:04X}")
 
     def test_help_and_version(self):
-        self.assertRegex(run("--version").stdout, r"^tarn7 \d+\.\d+\.\d+")
-        for command in ("list", "get", "set", "decode", "encode", "watch", "simulate", "offer"):
+        self.assertRegex(run("--version").stdout, r"^tarn7 \d+\.\d+\.\d+, (embedded stack|vsomeip3 3\.\d+\.\d+)$")
+        for command in self.complete(""):
             self.assertIn("Example:", run(command, "--help").stdout)
+
+    def complete(self, *words):
+        """What bash offers for the last of the words."""
+        script = f"source {COMPLETION}; COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _tarn7 \"$1\"; " \
+                 "printf '%s\\n' \"${COMPREPLY[@]}\""
+        return subprocess.check_output(["bash", "-c", script, "bash", TOOL, *words], text=True).split()
+
+    def test_completion(self):
+        self.assertLessEqual({"list", "find", "get", "set", "decode", "encode", "watch", "simulate", "offer", "doctor"},
+                             set(self.complete("")))
+        for words, offered in ((("de",), ["decode"]),
+                               (("--",), ["--help", "--version"]),
+                               (("get", "energysystem/no"), [ADDRESS]),
+                               (("get", "--timeout", "5", "--hex", "energysystem/no"), [ADDRESS]),
+                               (("get", "--timeout", "en"), []),
+                               (("get", "--instance", "1", "--t"), ["--timeout"]),
+                               (("get", ADDRESS, "en"), []),
+                               (("watch", ADDRESS, "charge"), ["chargetimemanager", SETTABLE]),
+                               (("simulate", "energysystem", "charge"), ["chargetimemanager"]),
+                               (("offer", "en"), ["energysystem"]),
+                               (("nonsense", ""), []),
+                               (("complet",), [])):
+            with self.subTest(words=words):
+                self.assertEqual(self.complete(*words), offered)
 
     def test_wrong_usage_and_wrong_values_are_refused_before_anything_is_sent(self):
         file = self.file
@@ -195,7 +224,7 @@ class ToolTest(unittest.TestCase):
                 self.assertEqual(json.loads(run("decode", address, text=payload.upper()).stdout), value)
         result = run("decode", ADDRESS, "0000000A 00000006", "2000\n0000002a", "ff")
         self.assertEqual((result.stdout, result.returncode), ('[{"member0":42}]\n', 0))
-        self.assertEqual(result.stderr, "warning: the value ends at byte 14: 1 more bytes are passed over\n")
+        self.assertEqual(result.stderr, "warning: the value at byte 14: 1 bytes are passed over\n")
 
     def test_get(self):
         self.simulate("energysystem", values=VALUES)
@@ -211,6 +240,69 @@ class ToolTest(unittest.TestCase):
         self.assertEqual(json.loads(late.wait_for("[")), VALUES["notifications"])
         result = run("get", ADDRESS, "--hex", "--instance", "0xFFF0", "--timeout", "100")
         self.assertEqual((result.returncode, result.stdout), (2, ""))
+
+    def test_find(self):
+        follow = Process(TOOL, "find", "--follow", "--json", errors=subprocess.PIPE)
+        self.addCleanup(follow.end)
+        simulation = self.simulate("energysystem")
+        self.offer()
+        for interface in ("energysystem", PROVIDED):
+            line = self.run_here("find", interface).stdout
+            self.assertEqual(line, f"{interface}, instance {self.instance}: found\n")
+            follow.wait_for(f'"{interface}","instance":{self.instance},"found":true,"rightVersion":true')
+        self.assertIn(f"energysystem, instance {self.instance}: found", run("find", "--timeout", "500").stdout)
+        simulation.end()
+        follow.wait_for(f'{{"interface":"energysystem","instance":{self.instance},"found":false}}')
+        self.assertIn("instances found", follow.end()[1])
+        missing = run("find", "energysystem", PROVIDED, "--instance", self.instance, "--timeout", "300")
+        self.assertEqual(missing.returncode, 2)
+        self.assertIn("tarn7: energysystem is not offered\n", missing.stderr)
+
+    def doctor(self, configuration, status):
+        """The findings by check, as (level, text and remedy)."""
+        path = configuration if isinstance(configuration, str) else self.file(json.dumps(configuration))
+        with unittest.mock.patch.dict(os.environ, VSOMEIP_CONFIGURATION=path):
+            result = run("doctor", "--json", "--timeout", "500")
+        self.assertEqual(result.returncode, status, result.stdout + result.stderr)
+        findings = {}
+        for finding in json.loads(result.stdout):
+            self.assertTrue(finding["level"] == "ok" or finding["remedy"], finding)
+            findings.setdefault(finding["check"], []).append(
+                (finding["level"], finding["text"] + " -> " + finding.get("remedy", "")))
+        return findings
+
+    def assert_finding(self, findings, check, level, text):
+        self.assertTrue(any(found == level and text in line for found, line in findings[check]), findings)
+
+    def test_doctor_says_what_is_wrong(self):
+        for check, text, configuration in (
+                ("configuration", "/nonexistent, which VSOMEIP_CONFIGURATION names, is not there", "/nonexistent"),
+                ("configuration", "line 1, column 2", self.file("{")),
+                ("configuration", "port 70000 is no number", {"service-discovery": {"port": "70000"}}),
+                ("unicast", "192.0.2.1 is no address of this machine", {"unicast": "192.0.2.1"}),
+                ("multicast", "no message can be sent to 10.0.0.1", {"service-discovery": {"multicast": "10.0.0.1"}}),
+                ("services", "stack", {"unicast": "192.0.2.1"})):
+            with self.subTest(text=text):
+                self.assert_finding(self.doctor(configuration, 3), check, "problem", text)
+        with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as selfish:
+            selfish.bind(("0.0.0.0", 0))
+            port = selfish.getsockname()[1]
+            findings = self.doctor({"unicast": "127.77.200.1", "service-discovery": {"port": port}}, 3)
+            self.assert_finding(findings, "ports", "problem", f"{port} is taken")
+            self.assert_finding(findings, "ports", "problem", f"(process {os.getpid()})")
+
+    def test_doctor_lets_pass_what_is_right(self):
+        configuration = self.file(json.dumps({"service-discovery": {"port": random.randrange(20000, 30000)},
+                                              "netmask": "255.0.0.0", "applications": [{"name": "x", "di": 7}]}))
+        with unittest.mock.patch.dict(os.environ, VSOMEIP_CONFIGURATION=configuration):
+            self.simulate("energysystem")
+        findings = self.doctor(configuration, 0)
+        for check in ("stack", "configuration", "unicast", "multicast", "ports", "routing host"):
+            self.assertTrue(all(level == "ok" for level, _ in findings[check]), findings)
+        self.assert_finding(findings, "ports", "ok", "is shared with tarn7 (process ")
+        self.assert_finding(findings, "keys", "warning", 'unknown and has no effect -> take it out, or write "id"')
+        self.assert_finding(findings, "services", "ok", f"energysystem is offered: instance {self.instance}")
+        self.assert_finding(findings, "services", "warning", "tarn7 simulate chargetimemanager")
 
     def test_failed_calls(self):
         provider = Process(PROVIDER)

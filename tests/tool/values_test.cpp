@@ -183,13 +183,14 @@ TEST(Payloads, WhatCannotBeReadIsNamedWithItsPlace) {
       {"00000009 00000005 2002 000000",
        "[0].member2 at byte 8: Deserialization of structure failed, declared size excess data length."},
       {"00000007 00000003 0001 07", "[0].member1 at byte 10: Insufficient arguments from remote end"},
-      {"00000014 00000010 4008 0000000A 3000 0000000000000001", "[0].member8.member0 at byte 16: 8 bytes"},
+      {"00000014 00000010 4008 0000000A 3000 0000000000000001",
+       "[0].member8.member0 at byte 20: 4 bytes are passed over"},
       {"00000017 00000013 4FFF 0000000D 00000000 00000005 0000 00 4000",
        "[0].member4095[1].member0 at byte 24: Insufficient arguments from remote end"},
       {"0000000D 00000009 4007 00000003 000102",
        "[0].member7 at byte 10: Deserialization of sequence container failed, insufficient data."},
       {"00000007 00000003 0063 07", "[0] at byte 8: no member has data id 99"},
-      {"00000000 FFFF", "the value ends at byte 4: 2 more bytes are passed over"}};
+      {"00000000 FFFF", "the value at byte 4: 2 bytes are passed over"}};
   for (const auto& [bytes, verdict] : verdicts) {
     EXPECT_THAT(Verdict(support::Bytes(bytes)), testing::HasSubstr(verdict)) << bytes;
   }

@@ -1,6 +1,7 @@
 #include <exception>
 #include <iostream>
 
+#include "tools/tarn7/build_info.h"
 #include "tools/tarn7/commands/command.h"
 #include "tools/tarn7/error.h"
 
@@ -40,11 +41,13 @@ int Run(const Command& command) {
 int main(int argc, char** argv) {
   CLI::App tool("Read, write, follow, offer and simulate the fields of the vehicle's services over SOME/IP");
   tool.name("tarn7");
-  tool.set_version_flag("--version", "tarn7 " TARN7_VERSION);
+  tool.set_version_flag("--version",
+                        "tarn7 " + std::string(GetBuildInfo().version) + ", " + GetBuildInfo().StackName());
   tool.require_subcommand(1);
   tool.footer(kExitStatuses);
   Command chosen;
   AddListCommand(tool, chosen);
+  AddFindCommand(tool, chosen);
   AddGetCommand(tool, chosen);
   AddSetCommand(tool, chosen);
   AddDecodeCommand(tool, chosen);
@@ -53,6 +56,8 @@ int main(int argc, char** argv) {
   AddSimulateCommand(tool, chosen);
   AddOfferCommand(tool, chosen);
   AddWiresharkCommand(tool, chosen);
+  AddDoctorCommand(tool, chosen);
+  AddCompleteCommand(tool, chosen);
   try {
     tool.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

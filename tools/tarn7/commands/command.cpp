@@ -4,9 +4,9 @@
 
 namespace tarn7::tool {
 
-void AddInstanceOption(CLI::App& command, ServiceOptions& options) {
+CLI::Option* AddInstanceOption(CLI::App& command, ServiceOptions& options) {
   constexpr int kLastInstance = 0xFFFE;  // 0xFFFF stands for any
-  command.add_option("--instance", options.instance, "Instance id, decimal or 0x; 1 if not given")
+  return command.add_option("--instance", options.instance, "Instance id, decimal or 0x; 1 if not given")
       ->type_name("ID")
       ->check(CLI::Range(1, kLastInstance).description(""));
 }

@@ -17,6 +17,7 @@ using Command = std::function<void(Output&)>;
 
 // Each adds one command to the tool. When the command line calls for it, `chosen` becomes what it does.
 void AddListCommand(CLI::App& tool, Command& chosen);
+void AddFindCommand(CLI::App& tool, Command& chosen);
 void AddGetCommand(CLI::App& tool, Command& chosen);
 void AddSetCommand(CLI::App& tool, Command& chosen);
 void AddDecodeCommand(CLI::App& tool, Command& chosen);
@@ -25,6 +26,8 @@ void AddWatchCommand(CLI::App& tool, Command& chosen);
 void AddSimulateCommand(CLI::App& tool, Command& chosen);
 void AddOfferCommand(CLI::App& tool, Command& chosen);
 void AddWiresharkCommand(CLI::App& tool, Command& chosen);
+void AddDoctorCommand(CLI::App& tool, Command& chosen);
+void AddCompleteCommand(CLI::App& tool, Command& chosen);
 
 /// What the commands have in common, with one meaning everywhere.
 struct ServiceOptions {
@@ -34,7 +37,7 @@ struct ServiceOptions {
   Loop::TimePoint Deadline() const { return Loop::Clock::now() + std::chrono::milliseconds(timeout); }
 };
 
-void AddInstanceOption(CLI::App& command, ServiceOptions& options);
+CLI::Option* AddInstanceOption(CLI::App& command, ServiceOptions& options);
 /// Takes the default from `options`.
 CLI::Option* AddTimeoutOption(CLI::App& command, ServiceOptions& options, const std::string& description);
 

@@ -43,143 +43,78 @@ struct Extent {
   std::uint64_t SizeWithLength() const;
 };
 
-std::string At(const Place& place, const Extent& extent);
+/// Has the library decode a value from the extent.
+using DecodeFunction = void (*)(const Extent& extent);
+/// Checks the value that the extent holds.
+using CheckFunction = void (*)(const Place& place, const Extent& extent, PayloadNotes& notes);
 
-/// Has the library read something of the extent, and says where that was when it fails.
-template <typename Read>
-auto ReadAt(const Place& place, const Extent& extent, const Read& read) {
-  try {
-    return read();
-  } catch (const std::runtime_error& error) {
-    throw PayloadError(At(place, extent) + ": " + error.what());
-  }
-}
+struct CheckedMember {
+  std::uint16_t data_id;
+  const char* name;
+  CheckFunction check;
+};
+
+// What does not depend on types. The extent is that of the whole value, its length included.
+
+/// Throws PayloadError where the library fails.
+void DecodeAt(const Place& place, const Extent& extent, DecodeFunction decode);
+void CheckMembers(const Place& place, const Extent& extent, const std::vector<CheckedMember>& members,
+                  PayloadNotes& notes);
+void CheckElements(const Place& place, const Extent& extent, CheckFunction element, DecodeFunction sequence,
+                   PayloadNotes& notes);
+void NoteUnread(const Place& place, const Extent& extent, std::uint64_t read, PayloadNotes& notes);
 
 template <typename T>
 void CheckValue(const Place& place, const Extent& extent, PayloadNotes& notes);
 
-struct MemberNameSearch {
-  const std::uint16_t wanted;
-  const char* name = nullptr;
-
-  template <typename T>
-  void operator()(std::uint16_t dataId, const char* memberName, const T&) {
-    if (dataId == wanted) {
-      name = memberName;
-    }
+template <typename T>
+void DecodeValue(const Extent& extent) {
+  if constexpr (common::kIsScalar<T>) {
+    ara::core::Optional<T> value;
+    common::DeserializingEnumerator(extent.data, extent.size)(value);
+  } else {
+    common::Deserializer<T>(extent.data, extent.size).getValue();
   }
-};
-
-/// Null where the record has no such member.
-template <typename Record>
-const char* MemberName(std::uint16_t dataId) {
-  MemberNameSearch search{dataId};
-  const Record record{};
-  Record::enumerate(record, search);
-  return search.name;
 }
 
-/// Checks the one member whose data id was read.
-struct MemberCheck {
-  const std::uint16_t wanted;
-  const Place& place;
-  const Extent& extent;  // what follows the tag
-  PayloadNotes& notes;
+struct MemberCollector {
+  std::vector<CheckedMember>& members;
 
   template <typename T>
   void operator()(std::uint16_t dataId, const char* name, const ara::core::Optional<T>&) const {
-    Check<T>(dataId, name);
+    members.push_back({dataId, name, &CheckValue<T>});
   }
   template <typename T>
   void operator()(std::uint16_t dataId, const char* name, const T&) const {
-    Check<T>(dataId, name);
-  }
-
- private:
-  template <typename T>
-  void Check(std::uint16_t dataId, const char* name) const {
-    if (dataId == wanted) {
-      CheckValue<T>(Place(place, name), extent, notes);
-    }
+    members.push_back({dataId, name, &CheckValue<T>});
   }
 };
 
-/// The place of the member that begins here, as far as its tag tells.
 template <typename Record>
-Place MemberPlace(const Place& place, const Extent& extent) {
-  if (extent.size < common::kTagSize) {
-    return place;
-  }
-  const auto tag = common::Deserializer<std::uint16_t>(extent.data, extent.size).getValue();
-  const char* const name = MemberName<Record>(common::DataIdOfTag(tag));
-  return name == nullptr ? place : Place(place, name);
-}
-
-template <typename Record>
-void CheckMembers(const Place& place, Extent rest, PayloadNotes& notes) {
-  const Record record{};
-  while (rest.size > 0) {
-    const common::MemberView member =
-        ReadAt(MemberPlace<Record>(place, rest), rest, [&rest] { return common::ReadMember(rest.data, rest.size); });
-    if (MemberName<Record>(member.dataId) == nullptr) {
-      notes.push_back(At(place, rest) + ": no member has data id " + std::to_string(member.dataId));
-    }
-    const Extent value = rest.From(common::kTagSize).First(member.size);
-    Record::enumerate(record, MemberCheck{member.dataId, place, value, notes});
-    rest = rest.From(common::kTagSize + member.size);
-  }
-}
-
-/// `decode` has the library decode the whole sequence. It looks at the extents of all elements before it decodes one.
-template <typename Element, typename Decode>
-void CheckElements(const Place& place, const Extent& content, const Decode& decode, PayloadNotes& notes) {
-  std::vector<Extent> elements;
-  for (Extent rest = content; rest.size > 0; rest = rest.From(elements.back().size)) {
-    const std::uint64_t size = rest.SizeWithLength();
-    if (size == 0) {
-      ReadAt(Place(place, elements.size()), rest, decode);
-      return;
-    }
-    elements.push_back(rest.First(size));
-  }
-  for (std::size_t i = 0; i < elements.size(); ++i) {
-    CheckValue<Element>(Place(place, i), elements[i], notes);
-  }
-}
-
-template <typename T>
-void CheckScalar(const Place& place, const Extent& extent, PayloadNotes& notes) {
-  ReadAt(place, extent, [&extent] {
-    ara::core::Optional<T> value;
-    common::DeserializingEnumerator(extent.data, extent.size)(value);
-  });
-  if (extent.size > sizeof(T)) {
-    notes.push_back(At(place, extent) + ": " + std::to_string(extent.size) + " bytes for a member of " +
-                    std::to_string(sizeof(T)) + ", of which the first are read");
-  }
+const std::vector<CheckedMember>& MembersOf() {
+  static const std::vector<CheckedMember> members = [] {
+    std::vector<CheckedMember> collected;
+    const Record record{};
+    Record::enumerate(record, MemberCollector{collected});
+    return collected;
+  }();
+  return members;
 }
 
 template <typename T>
 void CheckValue(const Place& place, const Extent& extent, PayloadNotes& notes) {
-  if constexpr (common::kIsScalar<T>) {
-    CheckScalar<T>(place, extent, notes);
-  } else {
-    const auto decode = [&extent] { common::Deserializer<T>(extent.data, extent.size).getValue(); };
-    if (const std::uint64_t size = extent.SizeWithLength(); size != 0) {
-      const Extent content = extent.First(size).From(common::kLengthFieldSize);
-      if constexpr (common::kIsRecord<T>) {
-        CheckMembers<T>(place, content, notes);
-      } else if constexpr (common::kIsSequence<T>) {
-        if constexpr (!common::kIsScalar<typename T::value_type>) {
-          CheckElements<typename T::value_type>(place, content, decode, notes);
-        }
-      }
+  if constexpr (common::kIsRecord<T>) {
+    CheckMembers(place, extent, MembersOf<T>(), notes);
+  } else if constexpr (common::kIsSequence<T>) {
+    if constexpr (!common::kIsScalar<typename T::value_type>) {
+      CheckElements(place, extent, &CheckValue<typename T::value_type>, &DecodeValue<T>, notes);
     }
-    ReadAt(place, extent, decode);  // no part of it is wrong: what is wrong now is its own
+  }
+  DecodeAt(place, extent, &DecodeValue<T>);  // no part of it is wrong: what is wrong now is its own
+  if constexpr (common::kIsScalar<T>) {
+    NoteUnread(place, extent, sizeof(T), notes);
   }
 }
-
-void NoteRest(const Extent& payload, PayloadNotes& notes);
 
 }  // namespace detail
 
@@ -191,8 +126,10 @@ PayloadNotes CheckPayload(const unsigned char* data, std::uint64_t size) {
   if (payload.SizeWithLength() != 0) {
     detail::CheckValue<Value>(whole, payload, notes);
   }
-  detail::ReadAt(whole, payload, [&] { detail::common::DeserializeFieldValue<Value>(data, size); });
-  detail::NoteRest(payload, notes);
+  detail::DecodeAt(whole, payload, [](const detail::Extent& extent) {
+    detail::common::DeserializeFieldValue<Value>(extent.data, extent.size);
+  });
+  detail::NoteUnread(whole, payload, payload.SizeWithLength(), notes);
   return notes;
 }
 
