@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <link_layer.pb.h>
 #include <string>
 #include <vector>
 
@@ -13,7 +14,6 @@
 #include "benchmarks/comparison.h"
 #include "benchmarks/values.h"
 #include "interfaces/psd2/psd2_datatypes.h"
-#include "link_layer.pb.h"
 #include "serialization/serializer.h"
 
 namespace {
