@@ -84,7 +84,7 @@ double NumberFromJson(const Json& json, const Place& place) {
   if (json == "-Infinity") {
     return -std::numeric_limits<double>::infinity();
   }
-  FailType("a number, \"NaN\", \"Infinity\" or \"-Infinity\"", json, place);
+  FailType(R"(a number, "NaN", "Infinity" or "-Infinity")", json, place);
 }
 
 void RequireArray(const Json& json, const Place& place) {
