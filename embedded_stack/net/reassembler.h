@@ -27,8 +27,8 @@ class Reassembler {
   static constexpr std::size_t kMaxBytesPerPeer = 2 * kMaxPayload;
   static constexpr std::size_t kMaxBytes = 4 * kMaxPayload;
   static constexpr std::size_t kMaxEarlySegments = 64;
-  static constexpr std::chrono::seconds kIdleLimit{1};
-  static constexpr std::chrono::seconds kTotalLimit{15};
+  static constexpr std::chrono::milliseconds kIdleLimit{1000};
+  static constexpr std::chrono::milliseconds kTotalLimit{15000};
 
   enum class Outcome { kIncomplete, kComplete, kBadSegment, kOverLimit };
   struct Result {
