@@ -1,5 +1,6 @@
 """The built program, end to end: tool_test.py TARN7 STEERED_PROVIDER STACK"""
 
+import fcntl
 import json
 import os
 import random
@@ -7,9 +8,11 @@ import re
 import select
 import signal
 import socket
+import struct
 import subprocess
 import sys
 import tempfile
+import termios
 import time
 import unittest
 import unittest.mock
@@ -51,6 +54,11 @@ def map_of(links, text=""):
     return {field: [layer] if field == "linkLayerLongRange" else [] for field in (
         "automatedParkingLayer", "dynamicContentLayer", "egoPositionLayer", "laneLayer", "linkLayerLongRange",
         "linkLayerShortRange", "positioningObjectsLayer", "timezoneInformation")}
+
+
+def recording(values, begin=1000.0):
+    return "".join(json.dumps({"time": begin, "interface": PROVIDED, "field": field, "value": value}) + "\n"
+                   for field, value in values.items())
 
 
 class Process:
@@ -196,6 +204,17 @@ class ToolTest(unittest.TestCase):
                 (4, 'Attempt to offer service "/kro/services/routebasedenergycontents/RouteBasedEnergyContents" with '
                  'uninitialized field "targetSocChargings"', "offer", PROVIDED, "--values",
                  file(json.dumps({name: value for name, value in ROUTE.items() if name != "targetSocChargings"}))),
+                (1, "--values and --replay would both", "simulate", "energysystem", "--values", "-", "--replay", "-"),
+                (1, "--speed requires --replay", "simulate", "energysystem", "--speed", "2"),
+                (4, "no line is of energysystem", "simulate", "energysystem", "--replay", file(recording(ROUTE))),
+                (4, "line 2: no JSON: parse error", "offer", PROVIDED, "--replay",
+                 file(recording({"rwmStatus": []}) + "{")),
+                (4, "line 1: time: ", "offer", PROVIDED, "--replay", file(recording(ROUTE, begin="yesterday"))),
+                (4, "line 1: value: this member", "offer", PROVIDED, "--replay",
+                 file(recording({"rwmStatus": []}).replace("value", "valve"))),
+                (4, "line 1: no field 'rwmstatus'", "offer", PROVIDED, "--replay", file(recording({"rwmstatus": []}))),
+                (4, "line 1: rwmStatus: [0].member0: -1 does not fit", "offer", PROVIDED, "--replay",
+                 file(recording({"rwmStatus": [{"member0": -1}]}))),
                 (4, "line 1, column 3", "set", SETTABLE, "[{"),
                 (4, "[0].membre0: no such member; did you mean member0?", "set", SETTABLE, '[{"membre0":1}]'),
                 (4, "[0].member2: 65536 does not fit a 16-bit", "set", SETTABLE, '[{"member2":65536}]'),
@@ -444,6 +463,66 @@ class ToolTest(unittest.TestCase):
         status, errors = offer.end(signal.SIGTERM)
         self.assertEqual(status, 0)
         self.assertIn("8 values offered", errors)
+
+    def test_what_watch_writes_is_played_back(self):
+        self.simulate("energysystem", period="40")
+        recorded = self.run_here("watch", "energysystem", ADDRESS, "--count", "60").stdout
+        samples = [json.loads(line) for line in recorded.splitlines()]
+        expected = [sample for sample in samples if sample["field"] == "notifications"]
+        self.instance = str(int(self.instance) + 1)
+        watch = self.start("watch", ADDRESS)
+        simulation = self.start("simulate", "energysystem", "--speed", "0.2", "--replay", self.file(recorded))
+        played = []
+        while not played or played[-1]["value"] != expected[-1]["value"]:
+            played.append(json.loads(watch.wait_for("{")))
+        self.assertGreater(len(played), 5)
+        expected = expected[-len(played):]
+        self.assertEqual([sample["value"] for sample in played], [sample["value"] for sample in expected])
+        ratio = (played[-1]["time"] - played[1]["time"]) / (expected[-1]["time"] - expected[1]["time"])
+        self.assertTrue(2.5 < ratio < 10, ratio)  # the first one is what stood when it subscribed
+        simulation.wait_for("at its end", simulation.process.stderr)
+        self.assertEqual(simulation.end()[0], 0)
+
+    def test_offer_plays_back_standard_input(self):
+        watch = self.start("watch", PROVIDED + "/rwmStatus")
+        offer = self.start("offer", PROVIDED, "--replay", "-")
+        foreign = recording({"notifications": "whatever"}).replace(PROVIDED, "energysystem")
+        offer.process.stdin.write((recording(ROUTE) + foreign + recording({"rwmStatus": [{"member0": 1}]}, 1001.0)
+                                   + recording({"rwmStatus": [{"member0": 2}]}, 900.0)).encode())
+        offer.process.stdin.close()
+        offer.process.stdin = None
+        watch.wait_for('"value":[{"member0":2}]')
+        for field, value in ROUTE.items():
+            if field != "rwmStatus":
+                self.assertEqual(json.loads(self.run_here("get", f"{PROVIDED}/{field}").stdout), value)
+        self.assertIn(f"{PROVIDED}: {len(ROUTE) + 2} values offered", offer.end()[1])
+
+    def test_watch_shows_a_table_on_a_terminal(self):
+        self.simulate("energysystem")
+        terminal, other_end = os.openpty()
+        self.addCleanup(os.close, terminal)
+        fcntl.ioctl(other_end, termios.TIOCSWINSZ, struct.pack("HHHH", 6, 90, 0, 0))
+        watch = subprocess.Popen([TOOL, "watch", ADDRESS, PROVIDED, "--instance", self.instance], stdout=other_end,
+                                 stderr=subprocess.PIPE)
+        self.addCleanup(watch.kill)
+        os.close(other_end)
+        row = rb"energysystem/notifications +[\d.]+ s +[1-9][\d.]*/s +subscribed +ok +\[{\"mem[^\n]*\xe2\x80\xa6\r+\n"
+        row += rb"[^\r]*contents/destinations +- +0.0/s +not offered +- +\r+\n[^\r]*and 4 more fields"
+        shown, end = b"", time.monotonic() + DEADLINE
+        while not re.search(row, shown):
+            self.assertTrue(select.select([terminal], [], [], max(0, end - time.monotonic()))[0], shown[-999:])
+            shown += os.read(terminal, 65536)
+        for line in re.sub(rb"\x1b\[[?\d]*[A-Za-z]", b"", shown).decode(errors="replace").split("\n"):
+            self.assertLessEqual(len(line.split("Ctrl-C ends")[0].rstrip("\r")), 90)
+        watch.send_signal(signal.SIGINT)
+        while select.select([terminal], [], [], 0)[0] or watch.poll() is None:
+            try:
+                shown += os.read(terminal, 65536)
+            except OSError:  # nobody is at the other end any more
+                break
+        self.assertTrue(shown.startswith(b"\x1b[?1049h") and shown.endswith(b"\x1b[?1049l"), shown[-40:])
+        self.assertRegex(watch.communicate(timeout=DEADLINE)[1], rb"(?m)^\d+ samples$")
+        self.assertEqual(watch.returncode, 0)
 
 
 if __name__ == "__main__":

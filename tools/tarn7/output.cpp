@@ -16,6 +16,12 @@ Output::~Output() { ::close(descriptor_); }
 
 void Output::WriteLine(std::string text) {
   text += '\n';
+  Write(text);
+}
+
+bool Output::IsTerminal() const { return ::isatty(descriptor_) == 1; }
+
+void Output::Write(std::string_view text) {
   for (std::size_t written = 0; written < text.size();) {
     const ssize_t count = ::write(descriptor_, text.data() + written, text.size() - written);
     if (count >= 0) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace tarn7::tool {
 
@@ -18,6 +19,11 @@ class Output {
 
   /// Writes the text and a line end, at once. Throws ReaderGone, or std::system_error when it cannot be written.
   void WriteLine(std::string text);
+  /// The same without a line end.
+  void Write(std::string_view text);
+
+  bool IsTerminal() const;
+  int Descriptor() const noexcept { return descriptor_; }
 
  private:
   int descriptor_;

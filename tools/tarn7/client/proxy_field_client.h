@@ -54,9 +54,14 @@ class ProxyFieldClient final : public FieldClient {
 
   std::vector<Json> TakeSamples() override {
     std::vector<Json> samples;
-    field_.GetNewSamples([&samples](auto sample) { samples.push_back(ToJson(*sample)); });
+    field_.GetNewSamples([this, &samples](auto sample) {
+      check_ = sample.GetProfileCheckStatus();
+      samples.push_back(ToJson(*sample));
+    });
     return samples;
   }
+
+  FieldState GetState() const override { return {field_.GetSubscriptionState(), check_}; }
 
  private:
   using Value = typename ProxyField::FieldType;
@@ -67,6 +72,7 @@ class ProxyFieldClient final : public FieldClient {
   std::shared_ptr<ara::com::internal::proxy::ProxyBindingBase> binding_;
   ProxyField& field_;
   ara::core::Future<Value> answer_;
+  ara::com::e2exf::ProfileCheckStatus check_ = ara::com::e2exf::ProfileCheckStatus::kNotAvailable;
 };
 
 }  // namespace tarn7::tool

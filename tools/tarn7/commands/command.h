@@ -2,13 +2,17 @@
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
 #include "tools/tarn7/loop.h"
 #include "tools/tarn7/model/field.h"
 #include "tools/tarn7/output.h"
+#include "tools/tarn7/recording/replay.h"
 
 namespace tarn7::tool {
 
@@ -40,6 +44,22 @@ struct ServiceOptions {
 CLI::Option* AddInstanceOption(CLI::App& command, ServiceOptions& options);
 /// Takes the default from `options`.
 CLI::Option* AddTimeoutOption(CLI::App& command, ServiceOptions& options, const std::string& description);
+
+/// A recording to play back.
+struct ReplayOptions {
+  std::string file;
+  double speed = 1;
+
+  bool IsGiven() const noexcept { return !file.empty(); }
+  /// Plays nothing where none is given.
+  Replay Read(const std::vector<FieldAddress>& fields) const;
+};
+
+void AddReplayOptions(CLI::App& command, ReplayOptions& options);
+
+/// Throws CommandError (kUsage) where more than one of the options (its name, and whether it does) would read standard
+/// input.
+void RequireOneReaderOfStandardInput(std::initializer_list<std::pair<const char*, bool>> options);
 
 /// Says on standard error that the instance is offered now.
 void ReportOffer(const Interface& interface, std::uint16_t instance);

@@ -19,15 +19,24 @@ struct OfferOptions : ServiceOptions {
   std::string interface;
   std::string values_file;
   bool follow = false;
+  ReplayOptions replay;
 };
 
 /// A provided interface with the values that were given to it.
 class Offer {
  public:
-  Offer(const Interface& interface, std::uint16_t instance)
-      : interface_(interface), fields_(FindAddresses(interface.name)), service_(interface.make_skeleton(instance)) {}
+  Offer(const Interface& interface, const std::vector<FieldAddress>& fields, std::uint16_t instance)
+      : interface_(interface), fields_(fields), service_(interface.make_skeleton(instance)) {}
 
-  void ReadFile(const std::string& path) { Update(ReadFieldValuesFile(path, fields_)); }
+  void Update(const FieldValues& values) {
+    for (std::size_t i = 0; i < interface_.fields.size(); ++i) {
+      const auto found = values.find(interface_.fields[i].get());
+      if (found != values.end()) {
+        service_->Update(i, found->second);
+        ++count_;
+      }
+    }
+  }
 
   /// A wrong line is reported, and changes nothing. From any thread.
   void ReadLine(std::string_view line, std::size_t number) {
@@ -47,18 +56,8 @@ class Offer {
   }
 
  private:
-  void Update(const FieldValues& values) {
-    for (std::size_t i = 0; i < interface_.fields.size(); ++i) {
-      const auto found = values.find(interface_.fields[i].get());
-      if (found != values.end()) {
-        service_->Update(i, found->second);
-        ++count_;
-      }
-    }
-  }
-
   const Interface& interface_;
-  const std::vector<FieldAddress> fields_;
+  const std::vector<FieldAddress>& fields_;
   std::unique_ptr<OfferedService> service_;
   std::atomic<std::uint64_t> count_{0};
 };
@@ -70,12 +69,22 @@ void RunOffer(const OfferOptions& options) {
         Status::kUsage,
         interface.name + " is offered by the vehicle, not by the application: use tarn7 simulate " + interface.name);
   }
-  if (options.follow && options.values_file == "-") {
-    throw CommandError(Status::kUsage, "--values - and --follow would both read standard input");
+  RequireOneReaderOfStandardInput({{"--values", options.values_file == "-"},
+                                   {"--follow", options.follow},
+                                   {"--replay", options.replay.file == "-"}});
+  if (options.values_file.empty() && !options.replay.IsGiven()) {
+    throw CommandError(Status::kUsage, "the fields need values: --values FILE, --replay FILE, or both");
   }
-  Loop loop;
-  Offer offer(interface, options.instance);
-  offer.ReadFile(options.values_file);
+  const std::vector<FieldAddress> fields = FindAddresses(interface.name);
+  Replay replay = options.replay.Read(fields);
+  FieldValues values = replay.FirstValues();
+  if (!options.values_file.empty()) {
+    // A recorded value stays the field's first one.
+    values.merge(ReadFieldValuesFile(options.values_file, fields));
+  }
+  Loop loop;  // not before everything is read: from here on Ctrl-C ends nothing but the loop
+  Offer offer(interface, fields, options.instance);
+  offer.Update(values);
   offer.Start();
   ReportOffer(interface, options.instance);
   try {
@@ -84,7 +93,13 @@ void RunOffer(const OfferOptions& options) {
       updates.emplace(STDIN_FILENO,
                       [&offer](std::string_view line, std::size_t number) { offer.ReadLine(line, number); });
     }
-    loop.RunUntil(Loop::kForever, [] { return false; });
+    replay.Start(Loop::Clock::now());
+    for (;;) {
+      loop.RunUntil(replay.Next(), [] { return false; });
+      replay.PlayUntil(Loop::Clock::now(), [&offer](const Field& field, const std::vector<unsigned char>& payload) {
+        offer.Update({{&field, field.Decode(payload.data(), payload.size())}});
+      });
+    }
   } catch (const Interrupted&) {  // the usual way to end it
   }
   offer.Stop();
@@ -98,13 +113,14 @@ void AddOfferCommand(CLI::App& tool, Command& chosen) {
   command->add_option("INTERFACE", options->interface, "What to offer")->required();
   AddInstanceOption(*command, *options);
   command->add_option("--values", options->values_file, "JSON file with a value for each field; - reads standard input")
-      ->type_name("FILE")
-      ->required();
+      ->type_name("FILE");
   command->add_flag("--follow", options->follow, "Read further values from standard input, a JSON object on each line");
+  AddReplayOptions(*command, options->replay);
   command->footer(
       "Example:\n"
       "  echo '{\"destinations\":[{\"member0\":42}]}' |\n"
-      "    tarn7 offer routebasedenergycontents --values values.json --follow");
+      "    tarn7 offer routebasedenergycontents --values values.json --follow\n"
+      "  tarn7 offer routebasedenergycontents --replay drive.jsonl");
   command->callback([&chosen, options] { chosen = [options](Output&) { RunOffer(*options); }; });
 }
 

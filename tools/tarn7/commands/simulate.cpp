@@ -18,6 +18,7 @@ struct SimulateOptions : ServiceOptions {
   std::vector<std::string> interfaces;
   std::uint32_t period = 1000;  // in milliseconds
   std::string values_file;
+  ReplayOptions replay;
 };
 
 /// One simulated interface with its values.
@@ -49,6 +50,15 @@ class Simulation {
     }
   }
 
+  /// Gives the field a recorded value, where it is of this interface.
+  void Play(const Field& field, const std::vector<unsigned char>& payload) {
+    const auto found = std::find_if(interface_.fields.begin(), interface_.fields.end(),
+                                    [&field](const auto& own) { return own.get() == &field; });
+    if (found != interface_.fields.end()) {
+      service_->Update(static_cast<std::size_t>(found - interface_.fields.begin()), payload);
+    }
+  }
+
   void Stop() {
     service_->StopOffer();
     const SimulatedService::Counters counters = service_->GetCounters();
@@ -63,6 +73,25 @@ class Simulation {
   std::vector<Json> values_;
   std::vector<bool> is_fixed_;
 };
+
+/// Moves and plays values until Ctrl-C.
+void Run(Loop& loop, std::vector<Simulation>& simulations, Replay& replay, std::chrono::milliseconds period) {
+  Loop::TimePoint now = Loop::Clock::now();
+  Loop::TimePoint nextMove = now + period;
+  replay.Start(now);
+  for (;; now = Loop::Clock::now()) {
+    if (now >= nextMove) {
+      std::for_each(simulations.begin(), simulations.end(), [](Simulation& simulation) { simulation.Move(); });
+      nextMove += period;
+    }
+    replay.PlayUntil(now, [&simulations](const Field& field, const std::vector<unsigned char>& payload) {
+      for (Simulation& simulation : simulations) {
+        simulation.Play(field, payload);
+      }
+    });
+    loop.RunUntil(std::min(nextMove, replay.Next()), [] { return false; });
+  }
+}
 
 void Simulate(const SimulateOptions& options) {
   std::vector<const Interface*> interfaces;
@@ -79,8 +108,13 @@ void Simulate(const SimulateOptions& options) {
       fields.insert(fields.end(), own.begin(), own.end());
     }
   }
-  const FieldValues fixedValues =
-      options.values_file.empty() ? FieldValues() : ReadFieldValuesFile(options.values_file, fields);
+  RequireOneReaderOfStandardInput({{"--values", options.values_file == "-"}, {"--replay", options.replay.file == "-"}});
+  Replay replay = options.replay.Read(fields);
+  FieldValues fixedValues = replay.FirstValues();
+  if (!options.values_file.empty()) {
+    // A recorded value stays the field's first one.
+    fixedValues.merge(ReadFieldValuesFile(options.values_file, fields));
+  }
 
   Loop loop;
   ValueSource source;
@@ -90,11 +124,7 @@ void Simulate(const SimulateOptions& options) {
     simulations.emplace_back(application, *interface, options.instance, fixedValues, source);
   }
   try {
-    for (auto next = Loop::Clock::now();;
-         std::for_each(simulations.begin(), simulations.end(), [](Simulation& simulation) { simulation.Move(); })) {
-      next += std::chrono::milliseconds(options.period);
-      loop.RunUntil(next, [] { return false; });
-    }
+    Run(loop, simulations, replay, std::chrono::milliseconds(options.period));
   } catch (const Interrupted&) {  // the usual way to end it
   }
   for (Simulation& simulation : simulations) {
@@ -116,7 +146,11 @@ void AddSimulateCommand(CLI::App& tool, Command& chosen) {
       ->add_option("--values", options->values_file,
                    "JSON file of values that stay, by field; other fields move. - reads standard input")
       ->type_name("FILE");
-  command->footer("Example:\n  echo '{\"notifications\":[{\"member0\":42}]}' | tarn7 simulate energysystem --values -");
+  AddReplayOptions(*command, options->replay);
+  command->footer(
+      "Example:\n"
+      "  echo '{\"notifications\":[{\"member0\":42}]}' | tarn7 simulate energysystem --values -\n"
+      "  tarn7 watch energysystem > drive.jsonl; tarn7 simulate energysystem --replay drive.jsonl --speed 10");
   command->callback([&chosen, options] { chosen = [options](Output&) { Simulate(*options); }; });
 }
 

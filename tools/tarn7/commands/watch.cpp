@@ -6,24 +6,31 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 
 #include "tools/tarn7/client/service_client.h"
 #include "tools/tarn7/commands/command.h"
 #include "tools/tarn7/error.h"
 #include "tools/tarn7/model/interface_table.h"
+#include "tools/tarn7/recording/recording.h"
+#include "tools/tarn7/terminal/live_table.h"
+#include "tools/tarn7/terminal/terminal.h"
 
 namespace tarn7::tool {
 
 namespace {
 
+constexpr std::chrono::milliseconds kRedrawPeriod{250};
+
 struct WatchOptions : ServiceOptions {
   std::vector<std::string> targets;
   std::uint64_t count = 0;  // 0: no end
   bool has_timeout = false;
+  bool as_lines = false;
 };
 
-/// Follows fields and writes a line for each sample.
+/// Follows fields and shows their samples: in a table where standard output is a terminal, else as a line for each.
 class Watcher {
  public:
   Watcher(Output& output, const WatchOptions& options) : output_(output), options_(options) {
@@ -34,37 +41,54 @@ class Watcher {
         }
       }
     }
+    if (output.IsTerminal() && !options.as_lines) {
+      terminal_.emplace(output);
+    }
   }
 
   /// Throws Interrupted, or CommandError (kUnavailable) when services or samples are not there in time.
   void Run() {
     const Loop::TimePoint deadline = options_.has_timeout ? options_.Deadline() : Loop::kForever;
     for (const auto& [interface, service] : services_) {
-      if (!loop_.RunUntil(deadline, [this, &service = *service] { return service.IsFound() || IsDone(); })) {
+      if (!RunUntil(deadline, [this, &service = *service] { return service.IsFound() || IsDone(); })) {
         service->Wait(deadline);
       }
     }
-    if (!loop_.RunUntil(options_.count == 0 ? Loop::kForever : deadline, [this] { return IsDone(); })) {
+    if (!RunUntil(options_.count == 0 ? Loop::kForever : deadline, [this] { return IsDone(); })) {
       throw CommandError(Status::kUnavailable, "only " + std::to_string(samples_) + " of " +
                                                    std::to_string(options_.count) + " samples came in time");
     }
   }
 
-  std::uint64_t SampleCount() const noexcept { return samples_; }
+  /// Says on standard error what was seen. Gives the terminal back.
+  void Finish() {
+    terminal_.reset();
+    std::cerr << samples_ << " samples" << std::endl;
+  }
 
  private:
+  struct Followed {
+    Followed(const FieldAddress& what, ServiceClient& where)
+        : address(what), service(where), client(where.Connect(*what.field)), row(what.ToString()) {}
+
+    FieldAddress address;
+    ServiceClient& service;
+    std::unique_ptr<FieldClient> client;
+    FollowedField row;
+  };
+
   bool IsDone() const noexcept { return options_.count != 0 && samples_ >= options_.count; }
 
   void Follow(const FieldAddress& address) {
-    FieldClient& field = *fields_.emplace_back(ServiceOf(*address.interface).Connect(*address.field));
+    Followed& followed = fields_.emplace_back(address, ServiceOf(*address.interface));
     // Posted once, however many samples arrive until it runs: the samples wait in the bounded cache, not in the loop.
     const auto posted = std::make_shared<std::atomic<bool>>(false);
-    field.Subscribe([this, &field, address, posted] {
+    followed.client->Subscribe([this, &followed, posted] {
       if (!posted->exchange(true)) {
-        loop_.Post([this, &field, address, posted] {
+        loop_.Post([this, &followed, posted] {
           posted->store(false);
-          for (const Json& value : field.TakeSamples()) {
-            Write(address, value);
+          for (Json& value : followed.client->TakeSamples()) {
+            Show(followed, std::move(value));
           }
         });
       }
@@ -75,62 +99,94 @@ class Watcher {
     auto& service = services_[&interface];
     if (service == nullptr) {
       service = MakeServiceClient(loop_, interface, options_.instance, [this, &interface](bool found) {
-        // In one piece, because the stack may log at the same time.
-        std::cerr << interface.name + ", instance " + std::to_string(options_.instance) +
-                         (found ? ": found\n" : ": gone\n")
-                  << std::flush;
+        if (!terminal_) {
+          // In one piece, because the stack may log at the same time.
+          std::cerr << interface.name + ", instance " + std::to_string(options_.instance) +
+                           (found ? ": found\n" : ": gone\n")
+                    << std::flush;
+        }
       });
     }
     return *service;
   }
 
-  void Write(const FieldAddress& address, const Json& value) {
+  void Show(Followed& followed, Json value) {
     if (IsDone()) {
       return;
     }
-    const std::chrono::duration<double> time =
-        std::chrono::time_point_cast<std::chrono::microseconds>(std::chrono::system_clock::now()).time_since_epoch();
-    output_.WriteLine(ToText({{"time", time.count()},
-                              {"interface", address.interface->name},
-                              {"field", address.field->Name()},
-                              {"value", value}}));
+    if (terminal_) {
+      followed.row.Add(std::move(value), Loop::Clock::now());
+    } else {
+      output_.WriteLine(RecordingLine(followed.address, value, std::chrono::system_clock::now()));
+    }
     ++samples_;
+  }
+
+  /// As Loop::RunUntil, and keeps the table up to date.
+  bool RunUntil(Loop::TimePoint deadline, const std::function<bool()>& done) {
+    Loop::TimePoint next = Loop::Clock::now();
+    while (terminal_ && next < deadline) {
+      Redraw();
+      next += kRedrawPeriod;
+      if (loop_.RunUntil(std::min(next, deadline), done)) {
+        return true;
+      }
+    }
+    return loop_.RunUntil(deadline, done);
+  }
+
+  void Redraw() {
+    constexpr std::size_t kRowsBelow = 2;
+    std::vector<TableRow> rows;
+    for (Followed& followed : fields_) {
+      rows.push_back({&followed.row, followed.service.IsFound(), followed.client->GetState()});
+    }
+    Terminal::Size space = terminal_->GetSize();
+    space.rows -= std::min(space.rows, kRowsBelow);
+    auto lines = FormatTable(rows, Loop::Clock::now(), space);
+    lines.emplace_back();
+    lines.push_back(std::to_string(samples_) + " samples; Ctrl-C ends");
+    terminal_->Show(lines);
   }
 
   Output& output_;
   const WatchOptions& options_;
   std::uint64_t samples_ = 0;
   std::set<const Field*> followed_;
+  std::optional<Terminal> terminal_;
   // The order matters: the fields need their service, whose handlers use the loop.
   Loop loop_;
   std::map<const Interface*, std::unique_ptr<ServiceClient>> services_;
-  std::list<std::unique_ptr<FieldClient>> fields_;
+  std::list<Followed> fields_;
 };
 
 void Watch(Output& output, const WatchOptions& options) {
   Watcher watcher(output, options);
-  const auto report = [&watcher] { std::cerr << watcher.SampleCount() << " samples" << std::endl; };
   try {
     watcher.Run();
   } catch (const Interrupted&) {  // the usual way to end it
   } catch (const ReaderGone&) {
   }
-  report();
+  watcher.Finish();
 }
 
 }  // namespace
 
 void AddWatchCommand(CLI::App& tool, Command& chosen) {
-  auto* const command = tool.add_subcommand("watch", "Follow fields and print a JSON line for each sample");
+  auto* const command = tool.add_subcommand(
+      "watch", "Follow fields: in a live table on a terminal, else with a JSON line for each sample");
   const auto options = std::make_shared<WatchOptions>();
-  command->add_option("TARGET", options->targets, "INTERFACE/FIELD, or INTERFACE for all of its fields")->required();
+  command
+      ->add_option("TARGET", options->targets, "INTERFACE/FIELD, or INTERFACE for all of its fields; any mix of them")
+      ->required();
   AddInstanceOption(*command, *options);
   command->add_option("--count", options->count, "End after N samples; without it Ctrl-C ends the command")
       ->type_name("N")
       ->check(CLI::Range(1, std::numeric_limits<int>::max()).description(""));
   auto* const timeout = AddTimeoutOption(
       *command, *options, "How long to wait for the services, and for the N samples of --count; no limit if not given");
-  command->footer("Example:\n  tarn7 watch energysystem/notifications energysystem/lowVoltageBatteries --count 10");
+  command->add_flag("--json", options->as_lines, "JSON lines on a terminal, too");
+  command->footer("Example:\n  tarn7 watch energysystem/notifications routebasedenergycontents --count 10");
   command->callback([&chosen, options, timeout] {
     options->has_timeout = timeout->count() > 0;
     chosen = [options](Output& output) { Watch(output, *options); };

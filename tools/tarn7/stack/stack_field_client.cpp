@@ -1,5 +1,6 @@
 #include "tools/tarn7/stack/stack_field_client.h"
 
+#include <atomic>
 #include <deque>
 #include <exception>
 #include <iostream>
@@ -18,6 +19,8 @@ namespace {
 
 namespace common = ara::com::internal::vsomeip::common;
 using Message = std::shared_ptr<vsomeip::message>;
+using ara::com::SubscriptionState;
+using ara::com::e2exf::ProfileCheckStatus;
 
 /// What may arrive while a slow reader keeps standard output busy.
 constexpr std::size_t kMaxSamples = 256;
@@ -48,6 +51,7 @@ struct StackFieldClient::Inbox {
   std::mutex mutex;  // guards the members
   Message response;
   std::deque<Message> samples;
+  std::atomic<ara::com::SubscriptionState> subscription{ara::com::SubscriptionState::kSubscriptionPending};
 
   void Store(const Message& sample) {
     const std::lock_guard<std::mutex> lock(mutex);
@@ -114,12 +118,14 @@ void StackFieldClient::Subscribe(std::function<void()> arrived) {
                                         });
   application->request_event(interface.service_id, service_.Instance(), ids.event, {ids.eventgroup},
                              vsomeip::event_type_e::ET_FIELD);
-  application->register_subscription_status_handler(interface.service_id, service_.Instance(), ids.eventgroup,
-                                                    ids.event, [name = Name()](auto, auto, auto, auto, auto status) {
-                                                      if (status != 0) {
-                                                        std::cerr << name + ": the subscription was refused\n";
-                                                      }
-                                                    });
+  application->register_subscription_status_handler(
+      interface.service_id, service_.Instance(), ids.eventgroup, ids.event,
+      [name = Name(), inbox = inbox_](auto, auto, auto, auto, auto status) {
+        inbox->subscription = status == 0 ? SubscriptionState::kSubscribed : SubscriptionState::kNotSubscribed;
+        if (status != 0) {
+          std::cerr << name + ": the subscription was refused\n";
+        }
+      });
   application->subscribe(interface.service_id, service_.Instance(), ids.eventgroup, interface.major_version, ids.event);
 }
 
@@ -132,6 +138,7 @@ std::vector<Json> StackFieldClient::TakeSamples() {
   std::vector<Json> values;
   for (const Message& sample : samples) {
     const Payload payload = PayloadOf(*sample);
+    check_ = sample->is_valid_crc() ? ProfileCheckStatus::kOk : ProfileCheckStatus::kError;
     try {
       values.push_back(field_.Decode(payload.data(), payload.size()));
     } catch (const std::exception& error) {
@@ -140,6 +147,8 @@ std::vector<Json> StackFieldClient::TakeSamples() {
   }
   return values;
 }
+
+FieldState StackFieldClient::GetState() const { return {inbox_->subscription, check_}; }
 
 std::string StackFieldClient::Name() const { return service_.GetInterface().name + '/' + field_.Name(); }
 

@@ -30,6 +30,7 @@ class StackFieldClient final : public FieldClient {
   void Subscribe(std::function<void()> arrived) override;
   /// A sample that is no value of the field is reported on standard error and passed over.
   std::vector<Json> TakeSamples() override;
+  FieldState GetState() const override;
 
  private:
   struct Inbox;
@@ -39,6 +40,7 @@ class StackFieldClient final : public FieldClient {
 
   StackServiceClient& service_;
   const Field& field_;
+  ara::com::e2exf::ProfileCheckStatus check_ = ara::com::e2exf::ProfileCheckStatus::kNotAvailable;
   std::shared_ptr<Inbox> inbox_;  // shared with the stack's handlers
 };
 

@@ -1,0 +1,48 @@
+#include "tools/tarn7/recording/replay.h"
+
+#include <algorithm>
+#include <iostream>
+#include <utility>
+
+namespace tarn7::tool {
+
+namespace {
+
+constexpr double kLongest = 1e9;  // seconds: what the clock can take, and longer than anybody waits
+
+}  // namespace
+
+Replay::Replay(const std::string& path, const std::vector<FieldAddress>& fields, double speed) {
+  double offset = 0;
+  double last = 0;
+  for (RecordedSample& sample : ReadRecording(path, fields)) {
+    // A clock that was set back while recording costs no time.
+    offset += first_values_.empty() ? 0 : std::max(0.0, sample.time - last) / speed;
+    last = sample.time;
+    if (first_values_.count(sample.field) == 0) {
+      first_values_.emplace(sample.field, sample.field->Decode(sample.payload.data(), sample.payload.size()));
+      continue;
+    }
+    const std::chrono::duration<double> due(std::min(offset, kLongest));
+    offsets_.push_back(std::chrono::duration_cast<Loop::Clock::duration>(due));
+    samples_.push_back(std::move(sample));
+  }
+}
+
+Loop::TimePoint Replay::Next() const noexcept {
+  return next_ == samples_.size() ? Loop::kForever : begin_ + offsets_[next_];
+}
+
+void Replay::PlayUntil(Loop::TimePoint now, const Play& play) {
+  if (next_ == samples_.size()) {
+    return;
+  }
+  for (; next_ < samples_.size() && begin_ + offsets_[next_] <= now; ++next_) {
+    play(*samples_[next_].field, samples_[next_].payload);
+  }
+  if (next_ == samples_.size()) {
+    std::cerr << "the recording is at its end; its last values stay" << std::endl;
+  }
+}
+
+}  // namespace tarn7::tool
