@@ -3,7 +3,7 @@ add_library(tarn7_warnings INTERFACE)
 target_compile_options(tarn7_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 
 if(TARN7_SANITIZE)
-  add_compile_options(-fsanitize=${TARN7_SANITIZE} -fno-omit-frame-pointer -g)
+  add_compile_options(-fsanitize=${TARN7_SANITIZE} -fno-omit-frame-pointer -g1)  # what their reports need
   add_link_options(-fsanitize=${TARN7_SANITIZE})
   if(TARN7_SANITIZE MATCHES "undefined")
     add_compile_options(-fno-sanitize-recover=all)
