@@ -98,6 +98,8 @@ class ExamplesTest(unittest.TestCase):
             values.flush()
             self.wait_for(self.start("tarn7", "offer", "psd2", "--values", values.name, "--instance", self.instance),
                           "offering psd2")
+        summary = self.run_here("tarn7", "watch", "psd2", "--summary", "--count", "8", "--instance", self.instance)
+        self.assertRegex(summary, r"(?m)^ +\d{5} bytes  psd2/linkLayerLongRange: 1 record, member1: 200, \d+ elements$")
         for layer, value in layers.items():
             self.assertEqual(self.get(f"psd2/{layer}"), value, layer)
 

@@ -19,6 +19,7 @@
 #include "tools/tarn7/values/from_json.h"
 #include "tools/tarn7/values/moving_value.h"
 #include "tools/tarn7/values/nearest.h"
+#include "tools/tarn7/values/outline.h"
 #include "tools/tarn7/values/payload_check.h"
 #include "tools/tarn7/values/to_json.h"
 
@@ -43,6 +44,9 @@ TEST(Values, EveryKindOfMemberKeepsItsValueAndItsPlace) {
   EXPECT_EQ(ToText(ToJson(record)), kEverything);
   EXPECT_EQ(ToText(ToJson(std::vector<sample::Everything>(2))), "[{},{}]");
   EXPECT_EQ(ToText(ToJson(std::vector<std::uint8_t>{0x0A, 0xF0})), R"("0af0")");
+  const Json everything = Json::parse(kEverything);
+  EXPECT_EQ(Outline({everything, everything}), "2 records, member7: 4, member4095: 2, 6 elements");
+  EXPECT_EQ(Outline(Json::array({Json::object()})), "1 record");
 }
 
 int SignificantDigits(const std::string& number) {

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <iomanip>
 #include <iostream>
 #include <limits>
 #include <list>
@@ -8,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <sstream>
 
 #include "tools/tarn7/client/service_client.h"
 #include "tools/tarn7/commands/command.h"
@@ -16,6 +18,7 @@
 #include "tools/tarn7/recording/recording.h"
 #include "tools/tarn7/terminal/live_table.h"
 #include "tools/tarn7/terminal/terminal.h"
+#include "tools/tarn7/values/outline.h"
 
 namespace tarn7::tool {
 
@@ -28,7 +31,16 @@ struct WatchOptions : ServiceOptions {
   std::uint64_t count = 0;  // 0: no end
   bool has_timeout = false;
   bool as_lines = false;
+  bool as_summary = false;
 };
+
+/// A line that says how large a sample is and what it holds.
+std::string SummaryLine(const std::string& field, std::size_t bytes, const Json& value) {
+  constexpr int kBytesWidth = 8;
+  std::ostringstream line;
+  line << std::setw(kBytesWidth) << bytes << " bytes  " << field << ": " << Outline(value);
+  return line.str();
+}
 
 /// Follows fields and shows their samples: in a table where standard output is a terminal, else as a line for each.
 class Watcher {
@@ -41,8 +53,10 @@ class Watcher {
         }
       }
     }
-    if (output.IsTerminal() && !options.as_lines) {
+    if (output.IsTerminal() && !options.as_lines && !options.as_summary) {
       terminal_.emplace(output);
+    } else {
+      std::cerr << "following " << fields_.size() << (fields_.size() == 1 ? " field" : " fields") << std::endl;
     }
   }
 
@@ -63,7 +77,11 @@ class Watcher {
   /// Says on standard error what was seen. Gives the terminal back.
   void Finish() {
     terminal_.reset();
-    std::cerr << samples_ << " samples" << std::endl;
+    std::cerr << samples_ << " samples";
+    if (options_.as_summary) {
+      std::cerr << ", " << bytes_ << " bytes";
+    }
+    std::cerr << std::endl;
   }
 
  private:
@@ -116,6 +134,10 @@ class Watcher {
     }
     if (terminal_) {
       followed.row.Add(std::move(value), Loop::Clock::now());
+    } else if (options_.as_summary) {
+      const std::size_t bytes = followed.address.field->Encode(value).size();
+      bytes_ += bytes;
+      output_.WriteLine(SummaryLine(followed.address.ToString(), bytes, value));
     } else {
       output_.WriteLine(RecordingLine(followed.address, value, std::chrono::system_clock::now()));
     }
@@ -152,6 +174,7 @@ class Watcher {
   Output& output_;
   const WatchOptions& options_;
   std::uint64_t samples_ = 0;
+  std::uint64_t bytes_ = 0;  // counted for the summary only
   std::set<const Field*> followed_;
   std::optional<Terminal> terminal_;
   // The order matters: the fields need their service, whose handlers use the loop.
@@ -185,7 +208,9 @@ void AddWatchCommand(CLI::App& tool, Command& chosen) {
       ->check(CLI::Range(1, std::numeric_limits<int>::max()).description(""));
   auto* const timeout = AddTimeoutOption(
       *command, *options, "How long to wait for the services, and for the N samples of --count; no limit if not given");
-  command->add_flag("--json", options->as_lines, "JSON lines on a terminal, too");
+  auto* const asLines = command->add_flag("--json", options->as_lines, "JSON lines on a terminal, too");
+  command->add_flag("--summary", options->as_summary, "Say only how large each sample is, and what it holds")
+      ->excludes(asLines);
   command->footer("Example:\n  tarn7 watch energysystem/notifications routebasedenergycontents --count 10");
   command->callback([&chosen, options, timeout] {
     options->has_timeout = timeout->count() > 0;
