@@ -73,15 +73,15 @@ std::vector<DT_link> Links(LinkNumber mainRoadLinks) {
 /// Half of a link, from one end to its middle or from there to the other.
 DT_link::Segment Half(std::uint32_t from, std::uint32_t heading) {
   DT_link::Segment segment;
-  segment.member0 = from;                       // metres from the link's beginning
-  segment.member1 = kLinkLength / 2;            // its length in metres
-  segment.member2 = heading;                    // its direction in degrees
-  segment.member3 = 0;                          // its curvature: straight
-  segment.member4 = Boxed(std::uint32_t{350});  // its width in centimetres
+  segment.member0 = from;                     // metres from the link's beginning
+  segment.member1 = kLinkLength / 2;          // its length in metres
+  segment.member2 = heading;                  // its direction in degrees
+  segment.member3 = 0;                        // its curvature: straight
+  segment.member4 = Boxed(std::uint32_t{8});  // its width in metres
   return segment;
 }
 
-/// The slope at the ends and in the middle of a link: up to the middle, down from there.
+/// The slope at the ends and in the middle of a link: up to the middle, flat from there.
 DT_link::Profile SlopeProfile() {
   std::vector<DT_attributePoint> points;
   for (const std::uint32_t metres : {0U, kLinkLength / 2, kLinkLength}) {
@@ -96,13 +96,15 @@ DT_link::Profile SlopeProfile() {
   return profile;
 }
 
-/// A line along a link of the main road, `metresNorth` of its middle.
+/// A line along a link of the main road, `metresNorth` of its southern edge.
 std::vector<Triple> LineAlong(LinkNumber mainRoadLink, std::uint32_t metresNorth) {
   const std::uint32_t begin = MetresBefore(mainRoadLink);
   return {Point(begin, metresNorth), Point(begin + kLinkLength, metresNorth)};
 }
 
 constexpr std::uint32_t kLanesPerLink = 2;
+constexpr std::uint32_t kLaneWidth = 4;  // metres
+
 /// Lanes are numbered by their link and their place on it: 0 leads east, 1 leads back.
 DT_reference LaneReference(LinkNumber mainRoadLink, std::uint32_t place) {
   return Reference(ObjectKind::kLane, mainRoadLink * kLanesPerLink + place);
@@ -114,11 +116,11 @@ DT_lane Lane(LinkNumber link, std::uint32_t place) {
   if (leadsEast ? link < kShortRangeLinks : link > 1) {
     lane.member0 = Boxed(std::vector{LaneReference(leadsEast ? link + 1 : link - 1, place)});  // where it leads to
   }
-  lane.member2 = link * kLanesPerLink + place;               // its number
-  lane.member3 = Boxed(LineAlong(link, leadsEast ? 0 : 4));  // the line along its middle
-  lane.member5 = Boxed(std::uint32_t{350});                  // its width in centimetres
-  lane.member9 = leadsEast ? 1 : 2;                          // 1: with the link, 2: against it
-  lane.member11 = SpeedLimit(link);                          // in kilometres per hour
+  lane.member2 = link * kLanesPerLink + place;                                 // its number
+  lane.member3 = Boxed(LineAlong(link, place * kLaneWidth + kLaneWidth / 2));  // the line along its middle
+  lane.member5 = Boxed(kLaneWidth);                                            // its width in metres
+  lane.member9 = leadsEast ? 1 : 2;                                            // 1: with the link, 2: against it
+  lane.member11 = SpeedLimit(link);                                            // in kilometres per hour
   return lane;
 }
 
@@ -137,7 +139,8 @@ DT_laneBoundaryParallelElement Boundary(LinkNumber link, std::uint32_t metresNor
 
 DT_laneGroup LaneGroup(LinkNumber link) {
   DT_laneGroup::Boundaries boundaries;
-  boundaries.member1 = std::vector{Boundary(link, 0, true), Boundary(link, 3, false), Boundary(link, 6, true)};
+  boundaries.member1 =
+      std::vector{Boundary(link, 0, true), Boundary(link, kLaneWidth, false), Boundary(link, 2 * kLaneWidth, true)};
   DT_laneGroup group;
   group.member0 = Reference(ObjectKind::kLaneGroup, link);
   group.member1 = Boxed(std::vector{Range(LinkReference(link), 0, kLinkLength)});  // the part of the road
