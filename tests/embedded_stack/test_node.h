@@ -3,16 +3,15 @@
 #include <chrono>
 #include <condition_variable>
 #include <functional>
-#include <future>
 #include <memory>
 #include <mutex>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <unistd.h>
 #include <utility>
 #include <vector>
 
-#include <gtest/gtest.h>
 #include <vsomeip/vsomeip.hpp>
 
 namespace embedded_stack_test {
@@ -25,6 +24,7 @@ inline constexpr vsomeip::service_t kService = 0x4711;
 inline const auto kInstance = static_cast<vsomeip::instance_t>(1 + 2 * (getpid() % 0x7FF0));
 inline const auto kSecondInstance = static_cast<vsomeip::instance_t>(kInstance + 1);
 inline constexpr vsomeip::major_version_t kMajor = 3;
+inline constexpr vsomeip::minor_version_t kMinor = 7;
 inline constexpr vsomeip::method_t kGet = 0x0010;      // answers with the field's value
 inline constexpr vsomeip::method_t kSet = 0x0011;      // takes and notifies a new value, answers with nothing
 inline constexpr vsomeip::method_t kReverse = 0x0012;  // answers with the request's bytes in reverse order
@@ -109,28 +109,33 @@ class Provider : public Node {
   }
   ~Provider() { Stop(); }
 
-  void Offer(vsomeip::instance_t instance, const Bytes& value) {
+  void Offer(vsomeip::instance_t instance, const Bytes& initial) {
     Node& app = *this;
-    app->register_message_handler(kService, instance, kReverse,
-                                  [this](const std::shared_ptr<vsomeip::message>& request) {
-                                    Bytes bytes = BytesOf(*request);
-                                    Respond(request, {bytes.rbegin(), bytes.rend()});
-                                  });
-    app->register_message_handler(
-        kService, instance, kGet,
-        [this, value](const std::shared_ptr<vsomeip::message>& request) { Respond(request, value); });
+    const auto value = std::make_shared<Bytes>(initial);
+    Answer(instance, kGet, [value](const Bytes&) { return *value; });
+    Answer(instance, kSet, [&app, instance, value](const Bytes& next) {
+      *value = next;
+      app->notify(kService, instance, kField, MakePayload(next));
+      return Bytes();
+    });
+    Answer(instance, kReverse, [](const Bytes& bytes) { return Bytes(bytes.rbegin(), bytes.rend()); });
     app->offer_event(kService, instance, kField, {kGroup}, vsomeip::event_type_e::ET_FIELD);
-    app->offer_service(kService, instance, kMajor, 0);
-    app->notify(kService, instance, kField, MakePayload(value));
-  }
-  void Respond(const std::shared_ptr<vsomeip::message>& request, const Bytes& bytes) {
-    const auto response = vsomeip::runtime::get()->create_response(request);
-    response->set_payload(MakePayload(bytes));
-    (*this)->send(response);
+    app->offer_service(kService, instance, kMajor, kMinor);
+    app->notify(kService, instance, kField, MakePayload(initial));
   }
   void Notify(const Bytes& value) { (*this)->notify(kService, instance_, kField, MakePayload(value)); }
 
  private:
+  // Answers calls of `method` with what `handler` makes of their bytes.
+  void Answer(vsomeip::instance_t instance, vsomeip::method_t method,
+              const std::function<Bytes(const Bytes&)>& handler) {
+    (*this)->register_message_handler(kService, instance, method,
+                                      [this, handler](const std::shared_ptr<vsomeip::message>& request) {
+                                        const auto response = vsomeip::runtime::get()->create_response(request);
+                                        response->set_payload(MakePayload(handler(BytesOf(*request))));
+                                        (*this)->send(response);
+                                      });
+  }
   const vsomeip::instance_t instance_;
 };
 

@@ -126,6 +126,39 @@ def reassemble(udp, what, first_check):
     return payload
 
 
+def check_wrong_packets(data, endpoint):
+    """Each is answered with an error of that code, or with nothing; a valid request behind it is always answered."""
+    valid = struct.pack(">HHIHHBBBB", SERVICE, GETTER, 8, 0x1234, 1, 1, MAJOR, 0, 0)
+    data.settimeout(10)
+    response = valid[:7] + b"\x0b" + valid[8:14] + b"\x80\0\1\2\3"
+
+    def changed(changes):
+        return bytes(changes.get(at, byte) for at, byte in enumerate(valid))
+    for what, packet, code in (
+            ("unknown service", changed({1: 0x12}), 0x02),
+            ("unknown service, nothing to be returned", changed({1: 0x12, 14: 1}), None),
+            ("unknown method", changed({3: 0x77}), None),
+            ("protocol version", changed({12: 2}), 0x07),
+            ("interface version", changed({13: 4}), 0x08),
+            ("length beyond the datagram", changed({7: 9}), 0x09),
+            ("length below the header", changed({7: 7}), 0x09),
+            ("length 0", changed({7: 0}), None),
+            ("malformed response", changed({7: 9, 14: 0x80}), None),
+            ("message type that does not exist", changed({14: 0x13}), None),
+            ("response that nobody waits for", changed({14: 0x80}), None),
+            ("header cut off", bytes(15), None),
+            ("nothing", b"", None),
+            ("segment without bytes", changed({14: 0x20}), None),
+            ("two in a datagram", valid + valid, None)):
+        data.sendto(packet, endpoint)
+        data.sendto(valid, endpoint)
+        if code is not None:
+            expect(what, data.recv(65536), packet[:7] + b"\x08" + packet[8:12] + b"\1" + packet[13:14]
+                   + bytes((0x81, code)))
+        for _ in range(3 if packet == valid + valid else 1):
+            expect(f"behind {what}", data.recv(65536), response)
+
+
 def check(provider_pid):
     group = udp_socket(GROUP, SD_PORT)
     group.setsockopt(socket.IPPROTO_IP, socket.IP_ADD_MEMBERSHIP,
@@ -172,6 +205,8 @@ def check(provider_pid):
         expect("response", (packet.srv_id, message_id(packet), packet.client_id, packet.session_id, packet.proto_ver,
                             packet.iface_ver, packet.msg_type, packet.retcode, bytes(packet)[16:]),
                (SERVICE, method, 0x0BAD, session, 1, MAJOR, 0x80, 0, answer))
+
+    check_wrong_packets(data, endpoint)
 
     # A request in segments, cut by hand.
     large = bytes(range(256)) * 12
