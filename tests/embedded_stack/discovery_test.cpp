@@ -1,5 +1,6 @@
 // Discovery without sockets and clocks: entries and points in time go in, entries and changes come out.
-#include <algorithm>
+#include <string>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -110,13 +111,7 @@ TEST_F(OffersTest, PhasesAreInitialDelayThenDoublingRepetitionsThenCycle) {
 }
 
 TEST_F(OffersTest, FindIsAnsweredToTheOneWhoAsksOnceTheOfferIsPublic) {
-  struct Case {
-    service_t service;
-    instance_t instance;
-    major_version_t major;
-    minor_version_t minor;
-    bool answered;
-  };
+  using Case = std::tuple<service_t, instance_t, major_version_t, minor_version_t, bool>;  // the last: answered
   const Case cases[] = {{0x4711, 1, 3, 7, true},          {0x4711, ANY_INSTANCE, ANY_MAJOR, ANY_MINOR, true},
                         {0x4711, 1, 3, 6, true},          {0x4711, 1, 3, 8, false},
                         {0x4711, 1, 4, ANY_MINOR, false}, {0x4711, 2, 3, 7, false},
@@ -124,11 +119,11 @@ TEST_F(OffersTest, FindIsAnsweredToTheOneWhoAsksOnceTheOfferIsPublic) {
   for (const bool is_public : {false, true}) {
     for (const Case& test : cases) {
       DiscoveryEntry find = Entry(EntryType::kFind);
-      std::tie(find.service, find.instance, find.major, find.minor) =
-          std::tie(test.service, test.instance, test.major, test.minor);
+      bool answered = false;
+      std::tie(find.service, find.instance, find.major, find.minor, answered) = test;
       DiscoveryOutput out;
       offers_.OnFind(find, kPeer, now_, out);
-      ASSERT_EQ(out.entries.size(), test.answered && is_public ? 1U : 0U);
+      ASSERT_EQ(out.entries.size(), answered && is_public ? 1U : 0U);
       EXPECT_TRUE(out.entries.empty() || out.entries[0].to == kPeer);
     }
     now_ += 50ms;
@@ -137,33 +132,31 @@ TEST_F(OffersTest, FindIsAnsweredToTheOneWhoAsksOnceTheOfferIsPublic) {
 }
 
 TEST_F(OffersTest, SubscriptionsAreAcceptedOrRejected) {
-  struct Case {
+  const struct {
     const char* what;
-    DiscoveryEntry entry;
     bool accepted;
+    void (*change)(DiscoveryEntry&);
+  } cases[] = {
+      {"good", true, [](DiscoveryEntry& e) { e.counter = 5; }},
+      {"other service", false, [](DiscoveryEntry& e) { e.service = 1; }},
+      {"other version", false, [](DiscoveryEntry& e) { e.major = 4; }},
+      {"unknown eventgroup", false, [](DiscoveryEntry& e) { e.eventgroup = 9; }},
+      {"no endpoint", false, [](DiscoveryEntry& e) { e.udp.reset(); }},
+      {"port 0", false, [](DiscoveryEntry& e) { e.udp->port = 0; }},
+      {"multicast endpoint", false, [](DiscoveryEntry& e) { e.udp->address = 0xE0000001; }},
+      {"broken options", false, [](DiscoveryEntry& e) { e.bad_options = true; }},
   };
-  std::vector<Case> cases;
-  const auto add = [&cases](const char* what, bool accepted, const std::function<void(DiscoveryEntry&)>& change) {
-    cases.push_back({what, Entry(EntryType::kSubscribe), accepted});
-    change(cases.back().entry);
-  };
-  add("good", true, [](DiscoveryEntry& e) { e.counter = 5; });
-  add("other service", false, [](DiscoveryEntry& e) { e.service = 1; });
-  add("other version", false, [](DiscoveryEntry& e) { e.major = 4; });
-  add("unknown eventgroup", false, [](DiscoveryEntry& e) { e.eventgroup = 9; });
-  add("no endpoint", false, [](DiscoveryEntry& e) { e.udp.reset(); });
-  add("port 0", false, [](DiscoveryEntry& e) { e.udp->port = 0; });
-  add("multicast endpoint", false, [](DiscoveryEntry& e) { e.udp->address = 0xE0000001; });
-  add("broken options", false, [](DiscoveryEntry& e) { e.bad_options = true; });
-  for (const Case& test : cases) {
-    const DiscoveryOutput out = Subscribe(test.entry);
+  for (const auto& test : cases) {
+    DiscoveryEntry entry = Entry(EntryType::kSubscribe);
+    test.change(entry);
+    const DiscoveryOutput out = Subscribe(entry);
     ASSERT_EQ(out.entries.size(), 1U) << test.what;
     const DiscoveryEntry& answer = out.entries[0].entry;
     EXPECT_EQ(out.entries[0].to, kPeer) << test.what;
     EXPECT_EQ(answer.type, EntryType::kAcknowledge) << test.what;
     EXPECT_EQ(answer.ttl, test.accepted ? 3U : 0U) << test.what;
-    EXPECT_EQ(answer.counter, test.entry.counter) << test.what;
-    EXPECT_EQ(answer.eventgroup, test.entry.eventgroup) << test.what;
+    EXPECT_EQ(answer.counter, entry.counter) << test.what;
+    EXPECT_EQ(answer.eventgroup, entry.eventgroup) << test.what;
     EXPECT_EQ(out.subscribers.size(), test.accepted ? 1U : 0U) << test.what;
   }
 }
@@ -194,164 +187,128 @@ TEST_F(OffersTest, SubscribersAreBounded) {
   EXPECT_EQ(SubscriberCount(), Offers::kMaxSubscriptions);
 }
 
+// What comes out is told in letters: + and - for a service that comes and goes, ? for a find, s1 and u2 for a subscribe
+// and its end to the first or second peer, a and r for one that was accepted or rejected, d for a duplicate offer.
 class RequestsTest : public testing::Test {
  protected:
   RequestsTest() : requests_(DiscoverySettings()) {
     requests_.SetLocalEndpoint({0x7F4D0009, 30509});
     requests_.Request(kKey, ANY_MAJOR, ANY_MINOR, now_);
-    Poll();
+    finds_ = Poll();
   }
-  void Poll() {
-    out_ = {};
-    requests_.Poll(now_, out_);
-  }
-  void Offer(std::uint32_t from = kPeer, ttl_t ttl = 3) {
-    out_ = {};
-    requests_.OnOffer(Entry(EntryType::kOffer, ttl, Endpoint{from, 500}), from, now_, out_);
-  }
-  void Acknowledge(ttl_t ttl = 3, std::uint32_t from = kPeer) {
-    out_ = {};
-    requests_.OnAcknowledge(Entry(EntryType::kAcknowledge, ttl), from, out_);
-  }
-  std::vector<bool> Changes() const {
-    std::vector<bool> changes;
-    for (const auto& change : out_.availability) changes.push_back(change.available);
-    return changes;
-  }
-  std::vector<ttl_t> SentSubscribes() const {
-    std::vector<ttl_t> sent;
-    for (const auto& outgoing : out_.entries) {
-      if (outgoing.entry.type == EntryType::kSubscribe) sent.push_back(outgoing.entry.ttl);
+  std::string Told() {
+    std::string told;
+    for (const auto& change : out_.availability) told += change.available ? '+' : '-';
+    for (const auto& [to, entry] : out_.entries) {
+      told += entry.type == EntryType::kFind ? '?' : entry.ttl == 0 ? 'u' : 's';
+      if (to) told += std::to_string(*to - kPeer + 1);
     }
-    return sent;
+    for (const auto& status : out_.subscriptions) told += status.accepted ? 'a' : 'r';
+    for (const Drop drop : out_.drops) told += drop == Drop::kDuplicateOffer ? 'd' : '!';
+    out_ = {};
+    return told;
   }
-  using Flags = std::vector<bool>;
-  using Ttls = std::vector<ttl_t>;
+  std::string Poll() {
+    requests_.Poll(now_, out_);
+    return Told();
+  }
+  std::string Offer(std::uint32_t from = kPeer, ttl_t ttl = 3) {
+    requests_.OnOffer(Entry(EntryType::kOffer, ttl, Endpoint{from, 500}), from, now_, out_);
+    return Told();
+  }
+  std::string Restart(std::uint32_t peer) {
+    requests_.OnPeerRestarted(peer, now_, out_);
+    return Told();
+  }
+  std::string Subscribe(eventgroup_t group = kGroup, major_version_t major = 3) {
+    requests_.Subscribe(kKey, group, major, now_, out_);
+    return Told();
+  }
+  std::string Acknowledge(ttl_t ttl = 3, std::uint32_t from = kPeer) {
+    requests_.OnAcknowledge(Entry(EntryType::kAcknowledge, ttl), from, out_);
+    return Told();
+  }
 
   TimePoint now_ = kStart;
   Requests requests_;
   DiscoveryOutput out_;
+  std::string finds_;
 };
 
 TEST_F(RequestsTest, SearchesAFewTimesAndThenListens) {
-  int finds = static_cast<int>(out_.entries.size());
-  while (requests_.NextDeadline() != kNever && finds < 100) {
+  for (int i = 0; i < 100 && requests_.NextDeadline() != kNever; ++i) {
     now_ = requests_.NextDeadline();
-    Poll();
-    finds += static_cast<int>(out_.entries.size());
+    finds_ += Poll();
   }
-  EXPECT_EQ(finds, 4);
-  Offer();
-  EXPECT_EQ(Changes(), Flags{true});
+  EXPECT_EQ(finds_, "????");
+  EXPECT_EQ(Offer(), "+");
   EXPECT_EQ(*requests_.FindInstance(kKey.first, {kPeer, 500}), kKey.second);
   EXPECT_EQ(requests_.FindInstance(kKey.first, {kPeer, 501}), nullptr);
 }
 
-TEST_F(RequestsTest, WhatIsNotRequestedIsIgnored) {
-  DiscoveryEntry other = Entry(EntryType::kOffer);
-  other.instance = 2;
-  requests_.OnOffer(other, kPeer, now_, out_);
-  EXPECT_EQ(requests_.Available().size(), 0U);
-}
-
 TEST_F(RequestsTest, AvailabilityEndsByStopOfferExpiryOrRestart) {
-  Offer();
-  Offer(kOtherPeer, 0);  // somebody else's stop offer
-  EXPECT_EQ(Changes(), Flags{});
-  Offer(kPeer, 0);
-  EXPECT_EQ(Changes(), Flags{false});
-
-  Offer();
+  EXPECT_EQ(Offer(), "+");
+  EXPECT_EQ(Offer(kOtherPeer, 0), "");  // somebody else's stop offer
+  EXPECT_EQ(Offer(kPeer, 0), "-");
+  EXPECT_EQ(Offer(), "+");
   now_ += 2s;
-  Offer();  // lasts 3 s more
-  EXPECT_EQ(Changes(), Flags{});
+  EXPECT_EQ(Offer(), "");  // lasts 3 s more
   now_ += 2s;
-  Poll();
-  EXPECT_EQ(Changes(), Flags{});
+  EXPECT_EQ(Poll(), "");
   now_ += 1s;
-  Poll();
-  EXPECT_EQ(Changes(), Flags{false});
-
-  Offer();
-  requests_.OnPeerRestarted(kOtherPeer, now_, out_);
-  out_ = {};
-  requests_.OnPeerRestarted(kPeer, now_, out_);
-  EXPECT_EQ(Changes(), Flags{false});
+  EXPECT_EQ(Poll(), "-");
+  EXPECT_EQ(Offer(), "+");
+  EXPECT_EQ(Restart(kOtherPeer), "");
+  EXPECT_EQ(Restart(kPeer), "-");
 }
 
 TEST_F(RequestsTest, NewcomerTakesOverOnceAndTwoProvidersDoNotFlap) {
-  Offer(kPeer);
-  Offer(kOtherPeer);
-  EXPECT_EQ(Changes(), (Flags{false, true}));
+  EXPECT_EQ(Offer(kPeer), "+");
+  EXPECT_EQ(Offer(kOtherPeer), "-+");
   EXPECT_EQ(requests_.Find(kKey)->peer, kOtherPeer);
   for (int i = 0; i < 5; ++i) {
-    Offer(kPeer);
-    EXPECT_EQ(Changes(), Flags{});
-    EXPECT_EQ(out_.drops, std::vector<Drop>{Drop::kDuplicateOffer});
-    Offer(kOtherPeer);
-    EXPECT_EQ(Changes(), Flags{});
+    EXPECT_EQ(Offer(kPeer), "d");
+    EXPECT_EQ(Offer(kOtherPeer), "");
   }
-  Offer(kOtherPeer, 0);
-  Offer(kPeer);  // the one who is left
-  EXPECT_EQ(Changes(), Flags{true});
+  EXPECT_EQ(Offer(kOtherPeer, 0), "-");
+  EXPECT_EQ(Offer(kPeer), "+");  // the one who is left
 }
 
 TEST_F(RequestsTest, SubscriptionIsKeptAliveAndRestored) {
-  requests_.Subscribe(kKey, kGroup, 3, now_, out_);
-  EXPECT_EQ(SentSubscribes(), Ttls{});
-  Offer();
-  EXPECT_EQ(SentSubscribes(), Ttls{3});
-  EXPECT_EQ(out_.entries.back().to, kPeer);
-  Acknowledge(3, kOtherPeer);  // not the provider
-  EXPECT_EQ(out_.subscriptions.size(), 0U);
-  Acknowledge();
-  ASSERT_EQ(out_.subscriptions.size(), 1U);
-  EXPECT_TRUE(out_.subscriptions[0].accepted);
-  Offer();  // renews
-  EXPECT_EQ(SentSubscribes(), Ttls{3});
-  Acknowledge();
-  EXPECT_EQ(out_.subscriptions.size(), 0U);  // nothing new
-  now_ += 1500ms;                            // no offer came in time
-  Poll();
-  EXPECT_EQ(SentSubscribes(), Ttls{3});
+  EXPECT_EQ(Subscribe(), "");
+  EXPECT_EQ(Offer(), "+s1");
+  EXPECT_EQ(Acknowledge(3, kOtherPeer), "");  // not the provider
+  EXPECT_EQ(Acknowledge(), "a");
+  EXPECT_EQ(Offer(), "s1");      // renews
+  EXPECT_EQ(Acknowledge(), "");  // nothing new
+  now_ += 1500ms;                // no offer came in time
+  EXPECT_EQ(Poll(), "s1");
 
-  Offer(kPeer, 0);
-  Offer(kOtherPeer);
-  EXPECT_EQ(out_.entries.back().to, kOtherPeer);
-  Acknowledge(3, kOtherPeer);
-  EXPECT_EQ(out_.subscriptions.size(), 1U);
-
-  requests_.Renew(kKey, kGroup, now_, out_ = {});
-  EXPECT_EQ(SentSubscribes(), (Ttls{0, 3}));
-  requests_.Unsubscribe(kKey, kGroup, out_ = {});
-  EXPECT_EQ(SentSubscribes(), Ttls{0});
-  Offer(kOtherPeer);
-  EXPECT_EQ(SentSubscribes(), Ttls{});
+  EXPECT_EQ(Offer(kPeer, 0), "-");
+  EXPECT_EQ(Offer(kOtherPeer), "+s2");
+  EXPECT_EQ(Acknowledge(3, kOtherPeer), "a");
+  requests_.Renew(kKey, kGroup, now_, out_);
+  EXPECT_EQ(Told(), "u2s2");
+  requests_.Unsubscribe(kKey, kGroup, out_);
+  EXPECT_EQ(Told(), "u2");
+  EXPECT_EQ(Offer(kOtherPeer), "");
 }
 
 TEST_F(RequestsTest, RejectedSubscriptionIsToldOnceAndTriedAgain) {
-  requests_.Subscribe(kKey, kGroup, 3, now_, out_);
-  requests_.Subscribe(kKey, kGroup + 1, 4, now_, out_);  // in a version that is not offered
-  Offer();
-  EXPECT_EQ(SentSubscribes(), Ttls{3});
-  Acknowledge(0);
-  ASSERT_EQ(out_.subscriptions.size(), 1U);
-  EXPECT_FALSE(out_.subscriptions[0].accepted);
-  Offer();
-  EXPECT_EQ(SentSubscribes(), Ttls{3});
-  Acknowledge(0);
-  EXPECT_EQ(out_.subscriptions.size(), 0U);
-  Acknowledge();
-  ASSERT_EQ(out_.subscriptions.size(), 1U);
-  EXPECT_TRUE(out_.subscriptions[0].accepted);
+  EXPECT_EQ(Subscribe(), "");
+  EXPECT_EQ(Subscribe(kGroup + 1, 4), "");  // in a version that is not offered
+  EXPECT_EQ(Offer(), "+s1");
+  EXPECT_EQ(Acknowledge(0), "r");
+  EXPECT_EQ(Offer(), "s1");
+  EXPECT_EQ(Acknowledge(0), "");
+  EXPECT_EQ(Acknowledge(), "a");
 }
 
 TEST_F(RequestsTest, ReleaseEndsTheSubscriptionQuietly) {
-  requests_.Subscribe(kKey, kGroup, 3, now_, out_);
-  Offer();
-  requests_.Release(kKey, out_ = {});
-  EXPECT_EQ(SentSubscribes(), Ttls{0});
-  EXPECT_EQ(Changes(), Flags{});
+  EXPECT_EQ(Subscribe(), "");
+  EXPECT_EQ(Offer(), "+s1");
+  requests_.Release(kKey, out_);
+  EXPECT_EQ(Told(), "u1");
   EXPECT_EQ(requests_.Find(kKey), nullptr);
 }
 

@@ -1,14 +1,13 @@
 // Applications in one process: each is a node of its own, so all of this goes over the network.
 #include <atomic>
-#include <csignal>
 #include <cstdio>
 #include <fstream>
 #include <future>
-#include <sys/wait.h>
 
 #include <gtest/gtest.h>
 
 #include "tests/embedded_stack/test_node.h"
+#include "tests/support/child_process.h"
 
 namespace embedded_stack_test {
 namespace {
@@ -241,42 +240,25 @@ TEST(NodeTest, PayloadsUpToTheLimitMakeTheRoundTrip) {
   EXPECT_EQ(client.replies.Items().front().request, too_large + 1);
 }
 
-// A provider in another process, for as long as the object lives.
-class Process {
- public:
-  Process(const char* byte, const std::string& configuration) {
-    const std::string instance = std::to_string(kInstance);
-    pid_ = fork();
-    if (pid_ != 0) return;
-    if (!configuration.empty()) setenv("VSOMEIP_CONFIGURATION", configuration.c_str(), 1);
-    execl(FIELD_PROVIDER, "field_provider", instance.c_str(), byte, "3", nullptr);
-    std::perror("cannot start the provider");
-    _exit(127);
-  }
-  Process(const Process&) = delete;
-  Process& operator=(const Process&) = delete;
-  ~Process() {
-    kill(pid_, SIGKILL);
-    waitpid(pid_, nullptr, 0);
-  }
-
- private:
-  pid_t pid_;
-};
-
 // With and without an address that is the same again after the restart.
 TEST(NodeTest, QuickRestartIsNoticedAtOnceAndTheSubscriptionRestored) {
   const std::string file = testing::TempDir() + "embedded_stack_restart" + std::to_string(getpid()) + ".json";
   const std::string address = "127.99." + std::to_string(kInstance >> 8U) + "." + std::to_string(kInstance & 0xFFU);
   std::ofstream(file) << R"({"unicast": ")" << address << R"(", "service-discovery": {"ttl": "3"}})";
+  const auto start = [](const char* byte) {
+    const std::vector<std::string> arguments{std::to_string(kInstance), byte, "3"};
+    return std::make_unique<support::ChildProcess>(FIELD_PROVIDER, arguments);
+  };
   for (const std::string& configuration : {std::string(), file}) {
-    auto provider = std::make_unique<Process>("1", configuration);
+    if (!configuration.empty()) setenv("VSOMEIP_CONFIGURATION", configuration.c_str(), 1);
+    auto provider = start("1");
+    unsetenv("VSOMEIP_CONFIGURATION");
     Client client;
     client.Subscribe();
     ASSERT_TRUE(client.values.WaitForLast({1, 1, 1}));
     const auto killed = std::chrono::steady_clock::now();
-    provider.reset();
-    provider = std::make_unique<Process>("2", configuration);
+    provider->Kill();
+    provider = start("2");
     ASSERT_TRUE(client.values.WaitForLast({2, 2, 2}));
     EXPECT_LT(std::chrono::steady_clock::now() - killed, 2s) << configuration;
     EXPECT_EQ(client.availability.Items(), (std::vector<bool>{false, true, false, true}));

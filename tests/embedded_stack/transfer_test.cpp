@@ -73,13 +73,9 @@ TEST_F(ReassemblerTest, SequencesOfSegments) {
 }
 
 TEST_F(ReassemblerTest, MessagesOfSeveralSendersAndSessionsDoNotMix) {
-  const Endpoint other{0x7F000002, 1000};
-  EXPECT_EQ(Add({0, 16, true}, 1), Outcome::kIncomplete);
-  EXPECT_EQ(Add({0, 16, true}, 2), Outcome::kIncomplete);
-  EXPECT_EQ(Add({0, 16, true}, 1, other), Outcome::kIncomplete);
-  EXPECT_EQ(Add({16, 1, false}, 2), Outcome::kComplete);
-  EXPECT_EQ(Add({16, 1, false}, 1, other), Outcome::kComplete);
-  EXPECT_EQ(Add({16, 1, false}, 1), Outcome::kComplete);
+  const std::pair<session_t, Endpoint> senders[] = {{1, kPeer}, {2, kPeer}, {1, {0x7F000002, 1000}}};
+  for (const auto& [session, peer] : senders) EXPECT_EQ(Add({0, 16, true}, session, peer), Outcome::kIncomplete);
+  for (const auto& [session, peer] : senders) EXPECT_EQ(Add({16, 1, false}, session, peer), Outcome::kComplete);
   EXPECT_TRUE(reassembler_.Empty());
   EXPECT_EQ(reassembler_.Bytes(), 0U);
 }

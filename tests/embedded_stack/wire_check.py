@@ -2,9 +2,7 @@
 
 Usage: wire_check.py FIELD_PROVIDER. The provider offers service 0x4711 in version 3.7 with one field.
 """
-import ctypes
 import os
-import signal
 import socket
 import struct
 import subprocess
@@ -159,7 +157,7 @@ def check_wrong_packets(data, endpoint):
             expect(f"behind {what}", data.recv(65536), response)
 
 
-def check(provider_pid):
+def check(provider):
     group = udp_socket(GROUP, SD_PORT)
     group.setsockopt(socket.IPPROTO_IP, socket.IP_ADD_MEMBERSHIP,
                      struct.pack("4s4si", socket.inet_aton(GROUP), b"\0" * 4, socket.if_nametoindex("lo")))
@@ -224,16 +222,15 @@ def check(provider_pid):
     packet, _ = receive(discovery, "negative acknowledge", lambda packet: bool(entries(packet, ACKNOWLEDGE)))
     check_acknowledge("negative acknowledge", packet, 0x0666, 0)
 
-    os.kill(provider_pid, signal.SIGTERM)
+    provider.stdin.close()
     packet, _ = receive(group, "stop offer", lambda packet: is_ours(packet) and entries(packet, OFFER)[0].ttl == 0)
     check_sd_header("stop offer", packet)
 
 
 def main():
-    die_with_parent = lambda: ctypes.CDLL(None).prctl(1, signal.SIGKILL)
-    provider = subprocess.Popen([sys.argv[1], str(INSTANCE), "0x5A", str(len(VALUE))], preexec_fn=die_with_parent)
+    provider = subprocess.Popen([sys.argv[1], str(INSTANCE), "0x5A", str(len(VALUE))], stdin=subprocess.PIPE)
     try:
-        check(provider.pid)
+        check(provider)
         expect("exit status of the provider", provider.wait(10), 0)
     finally:
         provider.kill()

@@ -18,9 +18,10 @@ const Bytes kOffer{0xFF, 0xFF, 0x81, 0x00, 0x00, 0x00, 0x00, 0x30, 0x00, 0x00, 0
                    0x00, 0x00, 0x00, 0x0C,                          // length of the options
                    0x00, 0x09, 0x04, 0x00, 0x7F, 0x4D, 0x01, 0x02, 0x00, 0x11, 0x77, 0x2D};
 
-TEST(DiscoveryMessageTest, EqualOptionsAreWrittenOnce) {
+TEST(DiscoveryMessageTest, IsWrittenAsItIsReadButEqualOptionsOnce) {
   DiscoveryMessage message;
   message.session = 1;
+  message.reboot = false;
   for (const port_t port : {port_t{1}, port_t{2}, port_t{1}}) {
     DiscoveryEntry entry;
     entry.udp = Endpoint{0x7F000001, port};
@@ -29,6 +30,8 @@ TEST(DiscoveryMessageTest, EqualOptionsAreWrittenOnce) {
   const Bytes bytes = EncodeDiscovery(message);
   EXPECT_EQ(bytes.size(), 16U + 4 + 4 + 3 * 16 + 4 + 2 * 12);
   EXPECT_EQ(DecodeDiscovery(bytes)->entries[2].udp, (Endpoint{0x7F000001, 1}));
+  EXPECT_FALSE(DecodeDiscovery(bytes)->reboot);
+  EXPECT_EQ(EncodeDiscovery(*DecodeDiscovery(kOffer)), kOffer);
 }
 
 TEST(PrefixTest, NothingThatIsCutOffIsRead) {

@@ -37,35 +37,34 @@ TEST(TransportIdentifier, IsADecimalOrHexadecimalSixteenBitNumber) {
 
 TEST(MessageCheck, EveryPartOfTheHeaderMustFit) {
   using Type = ::vsomeip::message_type_e;
-  struct Header {
+  using Code = ::vsomeip::return_code_e;
+  const struct {
     std::uint16_t service, method;
     std::uint8_t version;
     Type type;
-    ::vsomeip::return_code_e code = ::vsomeip::return_code_e::E_OK;
-  };
-  const auto fits = [](const Header& header, Type expected, Type alternative, bool isRequest) {
+    Code code;
+    bool is_request, fits;
+  } cases[] = {{1, 2, 3, Type::MT_RESPONSE, Code::E_OK, false, true},
+               {1, 2, 3, Type::MT_ERROR, Code::E_NOT_OK, false, true},
+               {9, 2, 3, Type::MT_RESPONSE, Code::E_OK, false, false},
+               {1, 9, 3, Type::MT_RESPONSE, Code::E_OK, false, false},
+               {1, 2, 9, Type::MT_RESPONSE, Code::E_OK, false, false},
+               {1, 2, 3, Type::MT_NOTIFICATION, Code::E_OK, false, false},
+               {1, 2, 3, Type::MT_UNKNOWN, Code::E_OK, true, false},
+               {1, 2, 3, Type::MT_REQUEST, Code::E_OK, true, true},
+               {1, 2, 3, Type::MT_REQUEST, Code::E_NOT_OK, true, false}};
+  for (const auto& test : cases) {
     const auto message = ::vsomeip::runtime::get()->create_message();
-    message->set_service(header.service);
-    message->set_method(header.method);
-    message->set_interface_version(header.version);
-    message->set_message_type(header.type);
-    message->set_return_code(header.code);
-    return common::checkMessageMetaData(*message, 1, 2, 3, expected, alternative, true, isRequest);
-  };
-  const auto fits_response = [&](const Header& header) {
-    return fits(header, Type::MT_RESPONSE, Type::MT_ERROR, false);
-  };
-  constexpr auto kNotOk = ::vsomeip::return_code_e::E_NOT_OK;
-  EXPECT_TRUE(fits_response({1, 2, 3, Type::MT_RESPONSE}));
-  EXPECT_TRUE(fits_response({1, 2, 3, Type::MT_ERROR, kNotOk}));
-  EXPECT_FALSE(fits_response({9, 2, 3, Type::MT_RESPONSE}));
-  EXPECT_FALSE(fits_response({1, 9, 3, Type::MT_RESPONSE}));
-  EXPECT_FALSE(fits_response({1, 2, 9, Type::MT_RESPONSE}));
-  EXPECT_FALSE(fits_response({1, 2, 3, Type::MT_NOTIFICATION}));
-  EXPECT_FALSE(fits({1, 2, 3, Type::MT_UNKNOWN}, Type::MT_NOTIFICATION, Type::MT_UNKNOWN, false));
-  EXPECT_TRUE(fits({1, 2, 3, Type::MT_REQUEST}, Type::MT_REQUEST, Type::MT_UNKNOWN, true));
-  EXPECT_FALSE(fits({1, 2, 3, Type::MT_REQUEST, kNotOk}, Type::MT_REQUEST, Type::MT_UNKNOWN, true));
-
+    message->set_service(test.service);
+    message->set_method(test.method);
+    message->set_interface_version(test.version);
+    message->set_message_type(test.type);
+    message->set_return_code(test.code);
+    const Type expected = test.is_request ? Type::MT_REQUEST : Type::MT_RESPONSE;
+    const Type alternative = test.is_request ? Type::MT_UNKNOWN : Type::MT_ERROR;
+    EXPECT_EQ(common::checkMessageMetaData(*message, 1, 2, 3, expected, alternative, true, test.is_request), test.fits)
+        << &test - cases;
+  }
   EXPECT_TRUE(common::isMethodUndefined(0) && common::isMethodUndefined(0xFFFF) && !common::isMethodUndefined(0x4010));
   EXPECT_TRUE(common::isEventUndefined(0) && common::isEventUndefined(0xFFFF) && !common::isEventUndefined(0xC010));
   EXPECT_EXIT(common::abort(), testing::KilledBySignal(SIGABRT), "\\[fatal\\] \\[SIPB\\]");

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <memory_resource>
 #include <thread>
 #include <vector>
 
@@ -184,37 +185,29 @@ TEST(MethodHandlers, EveryLivingHandlerGetsEveryMessage) {
   request.DropServiceInstance();
 }
 
-// Counts the allocations of shared objects: one lasts until the last weak reference to its object is gone.
-template <typename T>
-struct CountingAllocator {
-  using value_type = T;
-  explicit CountingAllocator(int& live) : count(&live) {}
-  template <typename U>
-  CountingAllocator(const CountingAllocator<U>& other) : count(other.count) {}
-  T* allocate(std::size_t n) {
-    ++*count;
-    return std::allocator<T>().allocate(n);
-  }
-  void deallocate(T* pointer, std::size_t n) {
-    --*count;
-    std::allocator<T>().deallocate(pointer, n);
-  }
-  int* count;
+// Counts shared objects' allocations: one lasts until the last weak reference to its object is gone.
+struct CountingMemory : std::pmr::memory_resource {
+  void* do_allocate(std::size_t size, std::size_t) override { return ++live, ::operator new(size); }
+  void do_deallocate(void* pointer, std::size_t, std::size_t) override { --live, ::operator delete(pointer); }
+  bool do_is_equal(const memory_resource& other) const noexcept override { return this == &other; }
+  int live = 0;
 };
 
 TEST(MethodHandlers, DeadOnesAreNotKept) {
-  int live = 0;
-  const auto make_receiver = [&] { return std::allocate_shared<Receiver>(CountingAllocator<Receiver>(live)); };
+  CountingMemory memory;
+  const auto make_receiver = [&] {
+    return std::allocate_shared<Receiver>(std::pmr::polymorphic_allocator<Receiver>(&memory));
+  };
   const auto stays = make_receiver();
   Register(0x41, stays);
   for (int round = 0; round < 1000; ++round) {
     const auto comes_and_goes = make_receiver();
     Register(0x41, comes_and_goes);
     Unregister(0x41);  // as a proxy does it: its object goes after that
-    ASSERT_LE(live, 3) << "after " << round << " rounds";
+    ASSERT_LE(memory.live, 3) << "after " << round << " rounds";
   }
   Unregister(0x41);
-  EXPECT_EQ(live, 1);
+  EXPECT_EQ(memory.live, 1);
   Unregister(0x41);  // one too many
 }
 

@@ -1,7 +1,6 @@
 #include <stdexcept>
+#include <tuple>
 
-#include "platform/include/instance_identifier.h"
-#include "registry/proxy_factory_impl.h"
 #include "registry/service_mapping.h"
 #include "tests/proxy/proxy_fixture.h"
 
@@ -9,7 +8,6 @@ namespace {
 
 using namespace proxy_test;
 using ara::com::internal::vsomeip::runtime::AraComVSomeIPServiceMapping;
-using ara::com::internal::vsomeip::runtime::ProxyFactoryImpl;
 using ara::com::internal::vsomeip::runtime::ServiceIdRegistry;
 using ara::com::internal::vsomeip::runtime::VSomeIPServiceIdRegistry;
 using ara::com::internal::vsomeip::runtime::VSomeIPServiceMapping;
@@ -53,60 +51,23 @@ TEST_F(BindingTest, TwoBindingsOfOneInstanceShareTheRequest) {
   EXPECT_EQ(application_.TakeCalls().back(), "release_service 6005 7");
 }
 
-TEST_F(BindingTest, TheFactoryMakesABindingPerCallOrNone) {
-  ProxyFactoryImpl<EnergySystemImpl> factory(ara::com::InstanceIdentifier("7"));
-  const auto one = factory.Create();
-  const auto other = factory.Create();
-  EXPECT_NE(one, nullptr);
-  EXPECT_NE(one, other);
-
-  factory.SetInstanceIdentifier(factory.GetInstanceIdentifier());
-  EXPECT_EQ(factory.GetInstanceIdentifier().ToString(), "7");
-  application_.TakeCalls();
-  factory.SetInstanceIdentifier(ara::com::InstanceIdentifier("no instance"));
-  EXPECT_EQ(factory.Create(), nullptr);
-  EXPECT_EQ(factory.Create(), nullptr);
-  EXPECT_THAT(application_.TakeCalls(), ElementsAre());
-}
-
-TEST_F(BindingTest, ARequestIsDroppedOnce) {
-  using ara::com::internal::vsomeip::common::ServiceInstance;
-  using ara::com::internal::vsomeip::runtime::VSomeIPConnection;
-  VSomeIPConnection::RequestedServiceInstance requested(ServiceInstance{kService, kInstance, 4, 3});
-  requested.DropServiceInstance();
-  requested.DropServiceInstance();
-  EXPECT_TRUE(requested == ServiceInstance());
-  EXPECT_THAT(application_.TakeCalls(), ElementsAre("request_service 6005 7 4", "release_service 6005 7"));
-}
-
-struct Identity {
-  std::uint16_t ara;
-  std::uint16_t someip;
-  std::uint8_t major;
-  std::uint32_t minor;
-  bool consumed;
-};
-
 TEST_F(BindingTest, TheRegistryKnowsTheFiveServicesByBothIds) {
-  const Identity identities[] = {{9235, 24866, 6, 0, false},
-                                 {40160, 24687, 1, 1, false},
-                                 {56470, 24581, 4, 3, true},
-                                 {27103, 24650, 2, 0, true},
-                                 {22592, 24808, 2, 0, true}};
-  for (const Identity& identity : identities) {
-    const auto* const mapping = VSomeIPServiceMapping::GetMappingForServiceId(identity.ara);
-    ASSERT_NE(mapping, nullptr) << identity.ara;
-    EXPECT_EQ(mapping->GetServiceId(), identity.ara);
-    EXPECT_EQ(mapping->GetVSomeIPService(), identity.someip);
-    EXPECT_EQ(mapping->GetVSomeIPServiceVersionMajor(), identity.major);
-    EXPECT_EQ(mapping->GetVSomeIPServiceVersionMinor(), identity.minor);
+  using Identity = std::tuple<std::uint16_t, std::uint16_t, std::uint8_t, std::uint32_t>;  // ids, major, minor
+  for (const Identity& identity :
+       {Identity{9235, 24866, 6, 0}, Identity{40160, 24687, 1, 1}, Identity{56470, 24581, 4, 3},
+        Identity{27103, 24650, 2, 0}, Identity{22592, 24808, 2, 0}}) {
+    const auto* const mapping = VSomeIPServiceMapping::GetMappingForServiceId(std::get<0>(identity));
+    ASSERT_NE(mapping, nullptr) << std::get<0>(identity);
+    EXPECT_EQ(Identity(mapping->GetServiceId(), mapping->GetVSomeIPService(), mapping->GetVSomeIPServiceVersionMajor(),
+                       mapping->GetVSomeIPServiceVersionMinor()),
+              identity);
     EXPECT_EQ(mapping->GetVSomeIPRequiredServiceVersionMinor(), 0xFFFFFFFFU);
     EXPECT_FALSE(mapping->IsMinimumMinorPolicyEnabled());
     EXPECT_EQ(mapping->GetNumberOfBlacklistedVersions(), 0U);
     EXPECT_NE(mapping->GetBlacklistedVersions(), nullptr);
-    const auto mappings = VSomeIPServiceMapping::GetMappingForVSomeIPServiceId(identity.someip);
+    const auto mappings = VSomeIPServiceMapping::GetMappingForVSomeIPServiceId(mapping->GetVSomeIPService());
     ASSERT_EQ(mappings.size(), 1U);
-    EXPECT_EQ(&mappings.at(identity.ara).get(), mapping);
+    EXPECT_EQ(&mappings.at(mapping->GetServiceId()).get(), mapping);
   }
   for (const std::uint16_t unknown : {std::uint16_t{0}, std::uint16_t{24581}, std::uint16_t{65535}}) {
     EXPECT_EQ(VSomeIPServiceMapping::GetMappingForServiceId(unknown), nullptr);

@@ -1,4 +1,3 @@
-#include "ara/com/internal/vsomeip/proxy/vsomeip_method_impl_delegate.h"
 #include "core_types/com_error_domain.h"
 #include "tests/proxy/proxy_fixture.h"
 
@@ -150,43 +149,6 @@ TEST_F(MethodTest, AnswersEachCallWithAValueOrAnError) {
       EXPECT_EQ(result.error(), test.result.error()) << test.what;
     }
   }
-}
-
-TEST_F(MethodTest, KeepsTheSupportDataOfAnErrorCode) {
-  auto future = binding_->Getnotifications().Get();
-  const auto response = support::ResponseTo(TakeRequest(), "00000013 01 0010 8000000000001267 00000001 00000005");
-  response->set_return_code(return_code_e::E_NOT_OK);
-  response->set_message_type(message_type_e::MT_ERROR);
-  application_.Deliver(response);
-  EXPECT_EQ(future.GetResult().error().SupportData(), 5);
-}
-
-TEST_F(MethodTest, ValidationLogsBothMismatches) {
-  using namespace kro::services::energysystem::energysystem_binding::vsomeip;
-  using ara::com::internal::vsomeip::proxy::MakeGetMethodDescriptorFrom;
-  using ara::com::internal::vsomeip::proxy::MethodImplDelegate;
-  const MethodImplDelegate<MakeGetMethodDescriptorFrom<descriptors::notifications>, Value> delegate(kInstance);
-  auto future = binding_->Getnotifications().Get();
-  const auto request = TakeRequest();
-  const auto response = support::ResponseTo(request, kFortyTwo);
-  EXPECT_TRUE(delegate.validateMessage(*request, *response));
-  response->set_client(9);
-  response->set_session(8);
-  request->set_session(7);
-  testing::internal::CaptureStderr();
-  EXPECT_FALSE(delegate.validateMessage(*request, *response));
-  const std::string log = testing::internal::GetCapturedStderr();
-  EXPECT_THAT(log, HasSubstr("Incorrect client id:9 Vs 4660\n"));
-  EXPECT_THAT(log, HasSubstr("Incorrect session id:8 Vs 7\n"));
-}
-
-TEST_F(MethodTest, AResponseAfterTheEndIsDropped) {
-  auto doomed = std::make_unique<EnergySystemImpl>(8);
-  auto future = doomed->Getnotifications().Get();
-  const auto response = support::ResponseTo(TakeRequest(), kFortyTwo);
-  doomed.reset();
-  application_.Deliver(response);
-  EXPECT_EQ(future.GetResult().error(), MakeErrorCode(future_errc::broken_promise));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace support {
 
@@ -14,7 +15,12 @@ namespace support {
 /// destroyed.
 class ChildProcess {
  public:
-  explicit ChildProcess(const char* program) {
+  explicit ChildProcess(std::string program, std::vector<std::string> arguments = {}) {
+    std::vector<char*> words{program.data()};
+    for (std::string& argument : arguments) {
+      words.push_back(argument.data());
+    }
+    words.push_back(nullptr);
     int in[2];
     int out[2];
     if (pipe(in) != 0 || pipe(out) != 0) {
@@ -27,7 +33,7 @@ class ChildProcess {
       for (const int end : {in[0], in[1], out[0], out[1]}) {
         close(end);
       }
-      execl(program, program, nullptr);
+      execv(program.c_str(), words.data());
       _exit(127);
     }
     close(in[0]);
