@@ -19,8 +19,9 @@ Replay::Replay(const std::string& path, const std::vector<FieldAddress>& fields,
     // A clock that was set back while recording costs no time.
     offset += first_values_.empty() ? 0 : std::max(0.0, sample.time - last) / speed;
     last = sample.time;
-    if (first_values_.count(sample.field) == 0) {
-      first_values_.emplace(sample.field, sample.field->Decode(sample.payload.data(), sample.payload.size()));
+    const auto [firstValue, isFirst] = first_values_.try_emplace(sample.field);
+    if (isFirst) {
+      firstValue->second = sample.field->Decode(sample.payload.data(), sample.payload.size());
       continue;
     }
     const std::chrono::duration<double> due(std::min(offset, kLongest));
