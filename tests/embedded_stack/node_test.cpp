@@ -235,7 +235,7 @@ TEST(NodeTest, PayloadsUpToTheLimitMakeTheRoundTrip) {
   for (const std::size_t size : {1U, 1400U, 1401U, 2784U, 1U << 20U, 16U << 20U}) {
     Bytes bytes(size);
     for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<vsomeip::byte_t>(i * 31 >> 8U);
-    EXPECT_TRUE(client.Call(kReverse, bytes, kMajor, 60s).bytes == Bytes(bytes.rbegin(), bytes.rend())) << size;
+    EXPECT_TRUE(client.Call(kReverse, bytes).bytes == Bytes(bytes.rbegin(), bytes.rend())) << size;
   }
   EXPECT_EQ(client.replies.Items().front().request, too_large + 1);
 }

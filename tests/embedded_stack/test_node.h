@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <functional>
@@ -75,8 +76,7 @@ class Record {
 // An application that runs for as long as the object lives.
 class Node {
  public:
-  explicit Node(const std::string& name, const std::string& configuration = "")
-      : app_(vsomeip::runtime::get()->create_application(name, configuration)) {
+  explicit Node(const std::string& name) : app_(vsomeip::runtime::get()->create_application(name)) {
     if (!app_->init()) throw std::runtime_error("init() failed");
   }
   Node(const Node&) = delete;
@@ -102,9 +102,9 @@ class Node {
 // Offers the service with one field.
 class Provider : public Node {
  public:
-  explicit Provider(Bytes value, vsomeip::instance_t instance = kInstance, const std::string& configuration = "")
-      : Node("provider", configuration), instance_(instance) {
-    Offer(instance, std::move(value));
+  explicit Provider(const Bytes& value, vsomeip::instance_t instance = kInstance)
+      : Node("provider"), instance_(instance) {
+    Offer(instance, value);
     Start();
   }
   ~Provider() { Stop(); }
@@ -142,8 +142,7 @@ class Provider : public Node {
 // Uses one instance of the service, and records everything that it hears.
 class Client : public Node {
  public:
-  explicit Client(vsomeip::instance_t instance = kInstance, const std::string& configuration = "")
-      : Node("client", configuration), instance_(instance) {
+  explicit Client(vsomeip::instance_t instance = kInstance) : Node("client"), instance_(instance) {
     Node& app = *this;
     app->register_availability_handler(kService, instance, [this](auto, auto, bool is) { availability.Add(is); });
     app->register_message_handler(kService, instance, vsomeip::ANY_METHOD,
@@ -176,19 +175,17 @@ class Client : public Node {
     vsomeip::return_code_e code;
     Bytes bytes;
   };
-  // The reply to one call; an empty one with E_TIMEOUT if there was none in time.
-  Reply Call(vsomeip::method_t method, const Bytes& bytes = {}, vsomeip::major_version_t version = kMajor,
-             std::chrono::milliseconds limit = 10s) {
-    const vsomeip::request_t id = Send(method, bytes, version);
-    Reply reply{id, vsomeip::return_code_e::E_TIMEOUT, {}};
-    replies.WaitFor(
-        [&](const std::vector<Reply>& all) {
-          for (const Reply& candidate : all) {
-            if (candidate.request == id) reply = candidate;
-          }
-          return reply.code != vsomeip::return_code_e::E_TIMEOUT;
-        },
-        limit);
+  // The reply to one call, however large; an empty one with E_TIMEOUT if there was none in time.
+  Reply Call(vsomeip::method_t method, const Bytes& bytes = {}, vsomeip::major_version_t version = kMajor) {
+    Reply reply{Send(method, bytes, version), vsomeip::return_code_e::E_TIMEOUT, {}};
+    const auto is_answer = [&](const Reply& candidate) { return candidate.request == reply.request; };
+    const auto take = [&](const std::vector<Reply>& all) {
+      const auto found = std::find_if(all.begin(), all.end(), is_answer);
+      if (found == all.end()) return false;
+      reply = *found;
+      return true;
+    };
+    replies.WaitFor(take, 60s);
     return reply;
   }
 

@@ -41,16 +41,6 @@ TEST_F(BindingTest, GivesEverythingBackWhenItsConstructionFailsHalfWay) {
                           "unregister_message_handler 6005 7 4020", "release_service 6005 7"));
 }
 
-TEST_F(BindingTest, TwoBindingsOfOneInstanceShareTheRequest) {
-  auto one = std::make_unique<EnergySystemImpl>(kInstance);
-  auto other = std::make_unique<EnergySystemImpl>(kInstance);
-  application_.TakeCalls();
-  one.reset();
-  EXPECT_THAT(application_.TakeCalls(), ElementsAre()) << "the other one still needs all of it";
-  other.reset();
-  EXPECT_EQ(application_.TakeCalls().back(), "release_service 6005 7");
-}
-
 TEST_F(BindingTest, TheRegistryKnowsTheFiveServicesByBothIds) {
   using Identity = std::tuple<std::uint16_t, std::uint16_t, std::uint8_t, std::uint32_t>;  // ids, major, minor
   for (const Identity& identity :
