@@ -245,20 +245,21 @@ TEST(NodeTest, QuickRestartIsNoticedAtOnceAndTheSubscriptionRestored) {
   const std::string file = testing::TempDir() + "embedded_stack_restart" + std::to_string(getpid()) + ".json";
   const std::string address = "127.99." + std::to_string(kInstance >> 8U) + "." + std::to_string(kInstance & 0xFFU);
   std::ofstream(file) << R"({"unicast": ")" << address << R"(", "service-discovery": {"ttl": "3"}})";
-  const auto start = [](const char* byte) {
+  const auto start = [](const char* byte, const std::string& configuration) {
+    if (!configuration.empty()) setenv("VSOMEIP_CONFIGURATION", configuration.c_str(), 1);
     const std::vector<std::string> arguments{std::to_string(kInstance), byte, "3"};
-    return std::make_unique<support::ChildProcess>(FIELD_PROVIDER, arguments);
+    auto provider = std::make_unique<support::ChildProcess>(FIELD_PROVIDER, arguments);
+    unsetenv("VSOMEIP_CONFIGURATION");  // the client's address is another one
+    return provider;
   };
   for (const std::string& configuration : {std::string(), file}) {
-    if (!configuration.empty()) setenv("VSOMEIP_CONFIGURATION", configuration.c_str(), 1);
-    auto provider = start("1");
-    unsetenv("VSOMEIP_CONFIGURATION");
+    auto provider = start("1", configuration);
     Client client;
     client.Subscribe();
     ASSERT_TRUE(client.values.WaitForLast({1, 1, 1}));
     const auto killed = std::chrono::steady_clock::now();
     provider->Kill();
-    provider = start("2");
+    provider = start("2", configuration);
     ASSERT_TRUE(client.values.WaitForLast({2, 2, 2}));
     EXPECT_LT(std::chrono::steady_clock::now() - killed, 2s) << configuration;
     EXPECT_EQ(client.availability.Items(), (std::vector<bool>{false, true, false, true}));
