@@ -249,6 +249,7 @@ TEST_F(RequestsTest, SearchesAFewTimesAndThenListens) {
 TEST_F(RequestsTest, AvailabilityEndsByStopOfferExpiryOrRestart) {
   EXPECT_EQ(Offer(), "+");
   EXPECT_EQ(Offer(kOtherPeer, 0), "");  // somebody else's stop offer
+  EXPECT_EQ(Offer(0xE0000001), "!");    // at a group's address
   EXPECT_EQ(Offer(kPeer, 0), "-");
   EXPECT_EQ(Offer(), "+");
   now_ += 2s;
