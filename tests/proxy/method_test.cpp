@@ -1,3 +1,4 @@
+#include "ara/com/internal/vsomeip/proxy/vsomeip_method_impl_delegate.h"
 #include "core_types/com_error_domain.h"
 #include "tests/proxy/proxy_fixture.h"
 
@@ -149,6 +150,25 @@ TEST_F(MethodTest, AnswersEachCallWithAValueOrAnError) {
       EXPECT_EQ(result.error(), test.result.error()) << test.what;
     }
   }
+}
+
+TEST_F(MethodTest, ValidationLogsBothMismatches) {
+  using namespace kro::services::energysystem::energysystem_binding::vsomeip;
+  using ara::com::internal::vsomeip::proxy::MakeGetMethodDescriptorFrom;
+  using ara::com::internal::vsomeip::proxy::MethodImplDelegate;
+  const MethodImplDelegate<MakeGetMethodDescriptorFrom<descriptors::notifications>, Value> delegate(kInstance);
+  auto future = binding_->Getnotifications().Get();
+  const auto request = TakeRequest();
+  const auto response = support::ResponseTo(request, kFortyTwo);
+  EXPECT_TRUE(delegate.validateMessage(*request, *response));
+  response->set_client(9);
+  response->set_session(8);
+  request->set_session(7);
+  testing::internal::CaptureStderr();
+  EXPECT_FALSE(delegate.validateMessage(*request, *response));
+  const std::string log = testing::internal::GetCapturedStderr();
+  EXPECT_THAT(log, HasSubstr("Incorrect client id:9 Vs 4660\n"));
+  EXPECT_THAT(log, HasSubstr("Incorrect session id:8 Vs 7\n"));
 }
 
 }  // namespace
