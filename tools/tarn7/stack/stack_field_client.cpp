@@ -20,7 +20,6 @@ namespace {
 namespace common = ara::com::internal::vsomeip::common;
 using Message = std::shared_ptr<vsomeip::message>;
 using ara::com::SubscriptionState;
-using ara::com::e2exf::ProfileCheckStatus;
 
 /// What may arrive while a slow reader keeps standard output busy.
 constexpr std::size_t kMaxSamples = 256;
@@ -138,7 +137,6 @@ std::vector<Json> StackFieldClient::TakeSamples() {
   std::vector<Json> values;
   for (const Message& sample : samples) {
     const Payload payload = PayloadOf(*sample);
-    check_ = sample->is_valid_crc() ? ProfileCheckStatus::kOk : ProfileCheckStatus::kError;
     try {
       values.push_back(field_.Decode(payload.data(), payload.size()));
     } catch (const std::exception& error) {
@@ -148,7 +146,10 @@ std::vector<Json> StackFieldClient::TakeSamples() {
   return values;
 }
 
-FieldState StackFieldClient::GetState() const { return {inbox_->subscription, check_}; }
+// What an application offers is not protected end to end.
+FieldState StackFieldClient::GetState() const {
+  return {inbox_->subscription, ara::com::e2exf::ProfileCheckStatus::kNotAvailable};
+}
 
 std::string StackFieldClient::Name() const { return service_.GetInterface().name + '/' + field_.Name(); }
 

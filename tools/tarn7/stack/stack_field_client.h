@@ -40,7 +40,6 @@ class StackFieldClient final : public FieldClient {
 
   StackServiceClient& service_;
   const Field& field_;
-  ara::com::e2exf::ProfileCheckStatus check_ = ara::com::e2exf::ProfileCheckStatus::kNotAvailable;
   std::shared_ptr<Inbox> inbox_;  // shared with the stack's handlers
 };
 
