@@ -147,6 +147,9 @@ class ToolTest(unittest.TestCase):
         self.assertEqual(fields["notifications"]["getter"], 0x4010)
         self.assertEqual(fields["notifications"]["eventgroup"], 0xC010)
         self.assertEqual(fields["highVoltageBatteries"]["members"][1], {"id": 1, "name": "member1", "type": "float"})
+        one = json.loads(run("list", SETTABLE, "energysystem/notifications", "--json").stdout)
+        self.assertEqual([(entry["interface"], [field["field"] for field in entry["fields"]]) for entry in one],
+                         [("energysystem", ["notifications"]), ("chargetimemanager", ["chargeTimeCalculations"])])
         table = run("list").stdout
         for interface in interfaces.values():
             for field in interface["fields"]:

@@ -1,6 +1,9 @@
+#include <algorithm>
 #include <iomanip>
 #include <memory>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "tools/tarn7/commands/command.h"
 #include "tools/tarn7/model/interface_table.h"
@@ -8,6 +11,35 @@
 namespace tarn7::tool {
 
 namespace {
+
+/// An interface, and which of its fields to show.
+struct Selection {
+  const Interface& interface;
+  std::vector<const Field*> fields;
+};
+
+/// What the targets name, in the library's order; everything if there are none.
+std::vector<Selection> Select(const std::vector<std::string>& targets) {
+  std::vector<const Field*> wanted;
+  for (const std::string& target : targets) {
+    for (const FieldAddress& address : FindAddresses(target)) {
+      wanted.push_back(address.field);
+    }
+  }
+  std::vector<Selection> selections;
+  for (const Interface& interface : Interfaces()) {
+    Selection selection{interface, {}};
+    for (const auto& field : interface.fields) {
+      if (targets.empty() || std::find(wanted.begin(), wanted.end(), field.get()) != wanted.end()) {
+        selection.fields.push_back(field.get());
+      }
+    }
+    if (!selection.fields.empty()) {
+      selections.push_back(std::move(selection));
+    }
+  }
+  return selections;
+}
 
 /// The record members that a type holds, its own or those of its elements; null for a type without any.
 const std::vector<Member>* MembersOf(const ValueType& type) {
@@ -41,9 +73,10 @@ Json ToJson(const Field& field) {
   return json;
 }
 
-Json ToJson(const Interface& interface) {
+Json ToJson(const Selection& selection) {
+  const Interface& interface = selection.interface;
   Json fields = Json::array();
-  for (const auto& field : interface.fields) {
+  for (const Field* field : selection.fields) {
     fields.push_back(ToJson(*field));
   }
   return {{"interface", interface.name},
@@ -71,12 +104,13 @@ void WriteMembers(std::ostream& text, const std::vector<Member>& members, const 
   }
 }
 
-std::string ToTable(const Interface& interface) {
+std::string ToTable(const Selection& selection) {
+  const Interface& interface = selection.interface;
   std::ostringstream text;
   text << interface.name << "  " << interface.Role() << "  service " << Hex(interface.service_id) << "  version "
        << static_cast<int>(interface.major_version) << '.' << interface.minor_version << "  ara::com id "
        << interface.ara_service_id << '\n';
-  for (const auto& field : interface.fields) {
+  for (const Field* field : selection.fields) {
     const Field::Identifiers& ids = field->Ids();
     text << "  " << std::left << std::setw(32) << field->Name() << "getter " << Hex(ids.getter) << "  setter "
          << (field->HasSetter() ? Hex(ids.setter) : "-     ") << "  event " << Hex(ids.event) << "  eventgroup "
@@ -86,17 +120,22 @@ std::string ToTable(const Interface& interface) {
   return text.str();
 }
 
-void List(Output& output, bool asJson) {
-  if (asJson) {
-    Json interfaces = Json::array();
-    for (const Interface& interface : Interfaces()) {
-      interfaces.push_back(ToJson(interface));
+struct ListOptions {
+  std::vector<std::string> targets;
+  bool as_json = false;
+};
+
+void List(Output& output, const ListOptions& options) {
+  Json interfaces = Json::array();
+  for (const Selection& selection : Select(options.targets)) {
+    if (options.as_json) {
+      interfaces.push_back(ToJson(selection));
+    } else {
+      output.WriteLine(ToTable(selection));
     }
-    output.WriteLine(interfaces.dump(2));
-    return;
   }
-  for (const Interface& interface : Interfaces()) {
-    output.WriteLine(ToTable(interface));
+  if (options.as_json) {
+    output.WriteLine(interfaces.dump(2));
   }
 }
 
@@ -104,10 +143,12 @@ void List(Output& output, bool asJson) {
 
 void AddListCommand(CLI::App& tool, Command& chosen) {
   auto* const command = tool.add_subcommand("list", "Show interfaces, fields, identifiers and record members");
-  const auto asJson = std::make_shared<bool>(false);
-  command->add_flag("--json", *asJson, "As JSON instead of a table");
-  command->footer("Example:\n  tarn7 list");
-  command->callback([&chosen, asJson] { chosen = [asJson](Output& output) { List(output, *asJson); }; });
+  const auto options = std::make_shared<ListOptions>();
+  command->add_option("TARGET", options->targets,
+                      "INTERFACE/FIELD, or INTERFACE for all of its fields; any mix of them");
+  command->add_flag("--json", options->as_json, "As JSON instead of a table");
+  command->footer("Example:\n  tarn7 list psd2/laneLayer");
+  command->callback([&chosen, options] { chosen = [options](Output& output) { List(output, *options); }; });
 }
 
 }  // namespace tarn7::tool
