@@ -27,6 +27,7 @@ class Reassembler {
   static constexpr std::size_t kMaxBytesPerPeer = 2 * kMaxPayload;
   static constexpr std::size_t kMaxBytes = 4 * kMaxPayload;
   static constexpr std::size_t kMaxEarlySegments = 64;
+  // In milliseconds, because waiting times are fractions of them.
   static constexpr std::chrono::milliseconds kIdleLimit{1000};
   static constexpr std::chrono::milliseconds kTotalLimit{15000};
 

@@ -27,7 +27,7 @@ class InstanceSearch {
   /// Runs on the loop for each instance that comes or goes.
   using Changed = std::function<void(const InstanceChange&)>;
 
-  /// Lives not as long as the loop. Throws std::runtime_error when the stack cannot be started.
+  /// The loop must outlive the search. Throws std::runtime_error when the stack cannot be started.
   InstanceSearch(Loop& loop, const std::vector<const Interface*>& interfaces, Changed changed);
   InstanceSearch(const InstanceSearch&) = delete;
   InstanceSearch& operator=(const InstanceSearch&) = delete;
