@@ -119,9 +119,6 @@ class Notification {
     sampled_->Await();  // the value as it stands
     bare_.Follow(SmallField::event_id);
   }
-  ~Notification() { field_.StopHandlers(); }
-  Notification(const Notification&) = delete;
-  Notification& operator=(const Notification&) = delete;
 
   void Measure(benchmark::State& state) {
     const auto payload =

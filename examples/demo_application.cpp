@@ -76,17 +76,19 @@ class Follower {
  public:
   using Value = typename Field::FieldType;
 
-  Follower(Field& field, bool isNumbered, Counters& counters, std::function<void(const Value&)> received = nullptr)
-      : field_(field), is_numbered_(isNumbered), counters_(counters), received_(std::move(received)) {
-    field_.SetSubscriptionStateChangeHandler(
-        [this](ara::com::SubscriptionState state) { is_there_ = state == ara::com::SubscriptionState::kSubscribed; });
-    // On a thread of the SOME/IP stack, whenever a notification has arrived.
-    field_.SetReceiveHandler([this] { field_.GetNewSamples([this](auto sample) { Take(*sample); }); });
-    field_.Subscribe(kCacheSize);
-  }
-  ~Follower() { field_.StopHandlers(); }
+  Follower(bool isNumbered, Counters& counters, std::function<void(const Value&)> received = nullptr)
+      : is_numbered_(isNumbered), counters_(counters), received_(std::move(received)) {}
   Follower(const Follower&) = delete;
   Follower& operator=(const Follower&) = delete;
+
+  /// The field's proxy must go before this follower: its destructor waits for handlers that run.
+  void Follow(Field& field) {
+    field.SetSubscriptionStateChangeHandler(
+        [this](ara::com::SubscriptionState state) { is_there_ = state == ara::com::SubscriptionState::kSubscribed; });
+    // On a thread of the SOME/IP stack, whenever a notification has arrived.
+    field.SetReceiveHandler([this, &field] { field.GetNewSamples([this](auto sample) { Take(*sample); }); });
+    field.Subscribe(kCacheSize);
+  }
 
   bool IsThere() const { return is_there_; }
 
@@ -105,7 +107,6 @@ class Follower {
     }
   }
 
-  Field& field_;
   const bool is_numbered_;
   Counters& counters_;
   const std::function<void(const Value&)> received_;
@@ -155,15 +156,18 @@ class Application {
   Application(const Options& options, Counters& counters)
       : counters_(counters),
         services_(options.instance, counters),
+        batteries_(options.are_values_numbered, counters),
+        consumption_values_(options.are_values_numbered, counters, [this](const auto& values) { Remember(values); }),
+        energy_contents_(options.are_values_numbered, counters, [this](const auto& values) { ComputeRange(values); }),
+        calculations_(false, counters),
         energy_system_(EnergySystemProxy::HandleType(options.instance)),
         consumption_(RouteBasedConsumptionProxy::HandleType(options.instance)),
-        charge_time_(ChargeTimeManagerProxy::HandleType(options.instance)),
-        batteries_(energy_system_.highVoltageBatteries, options.are_values_numbered, counters),
-        consumption_values_(consumption_.consumptionValues, options.are_values_numbered, counters,
-                            [this](const auto& values) { Remember(values); }),
-        energy_contents_(consumption_.energyContents, options.are_values_numbered, counters,
-                         [this](const auto& values) { ComputeRange(values); }),
-        calculations_(charge_time_.chargeTimeCalculations, false, counters) {}
+        charge_time_(ChargeTimeManagerProxy::HandleType(options.instance)) {
+    batteries_.Follow(energy_system_.highVoltageBatteries);
+    consumption_values_.Follow(consumption_.consumptionValues);
+    energy_contents_.Follow(consumption_.energyContents);
+    calculations_.Follow(charge_time_.chargeTimeCalculations);
+  }
 
   /// Called again and again: notices that the vehicle is there, or gone.
   void Look() {
@@ -250,15 +254,15 @@ class Application {
   std::uint32_t driven_ = 0;
   std::atomic<bool> knows_vehicle_{false};
   int meetings_ = 0;
-  // In this order: what handlers use is there before them, and outlives them.
+  // In this order: what handlers use is there before the proxies that call them, and outlives them.
   Services services_;
-  EnergySystemProxy energy_system_;
-  RouteBasedConsumptionProxy consumption_;
-  ChargeTimeManagerProxy charge_time_;
   Following<decltype(EnergySystemProxy::highVoltageBatteries)> batteries_;
   Following<decltype(RouteBasedConsumptionProxy::consumptionValues)> consumption_values_;
   Following<decltype(RouteBasedConsumptionProxy::energyContents)> energy_contents_;
   Following<decltype(ChargeTimeManagerProxy::chargeTimeCalculations)> calculations_;
+  EnergySystemProxy energy_system_;
+  RouteBasedConsumptionProxy consumption_;
+  ChargeTimeManagerProxy charge_time_;
 };
 
 int Run(const Options& options) {

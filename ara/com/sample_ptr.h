@@ -14,6 +14,7 @@ namespace internal::proxy {
 class SampleSlots {
  public:
   virtual void Release(std::size_t slot) noexcept = 0;
+  virtual std::size_t GetFreeSampleCount() const = 0;
 
  protected:
   ~SampleSlots() = default;

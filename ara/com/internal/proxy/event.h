@@ -13,15 +13,17 @@ namespace ara::com::internal::proxy {
 
 namespace bits {
 
-/// What an event offers whatever its type. All operations may be called from any thread; handlers run on threads of the
-/// SOME/IP stack and may call back into the event.
+/// What an event offers whatever its type. All operations may be called from any thread, and from any handler. A
+/// handler may destroy its own proxy, on whatever thread it runs; what a handler throws is logged.
 class EventBase {
  public:
   virtual ~EventBase() = default;
 
   /// Asks the provider for notifications and keeps up to `cacheSize` (at least 1) of them, and as many samples, until
-  /// they are fetched or given back. The newest data wins: a full cache drops its oldest notification. Errors are
-  /// logged, not thrown. The subscription is restored by itself after the provider was away.
+  /// they are fetched or given back. The newest data wins: a full cache drops its oldest notification. Where another
+  /// proxy of the process follows the event already, the latest value waits as soon as this returns; the receive handler
+  /// is told of it later, on its own thread. Errors are logged, not thrown. The subscription is restored by itself
+  /// after the provider was away. Calling it again asks again, and makes a cache of the new size.
   virtual void Subscribe(std::size_t cacheSize) = 0;
   /// Ends the subscription and drops what was not fetched. Samples that are held stay valid. Takes the receive handler
   /// back.
@@ -31,19 +33,18 @@ class EventBase {
   /// How many further samples can be held.
   virtual std::size_t GetFreeSampleCount() const = 0;
 
-  /// `handler` is called after each notification that was put into the cache. Its calls never overlap.
+  /// `handler` is called after each notification that was put into the cache, on a thread of the SOME/IP stack. Its
+  /// calls never overlap, not even with themselves: while one runs, further ones wait, but no thread waits for them.
   virtual void SetReceiveHandler(std::function<void()> handler) = 0;
   virtual void UnsetReceiveHandler() = 0;
-  /// `handler` is called with each new subscription state, also from inside Subscribe and Unsubscribe.
+  /// `handler` is called with each answer that the provider gives to a subscription, also when it equals the one before,
+  /// and with each change that has another reason, also from inside Subscribe and Unsubscribe. Its calls never overlap
+  /// and come in the order of the changes.
   virtual void SetSubscriptionStateChangeHandler(std::function<void(SubscriptionState)> handler) = 0;
   virtual void UnsetSubscriptionStateChangeHandler() = 0;
 
   /// The latest end-to-end check: renewed by each message that GetNewSamples takes, and by finding none.
   virtual e2exf::CheckResult DoCheckResult() const = 0;
-
-  /// Takes both handlers back and waits until neither runs on another thread. A proxy does this with all its events
-  /// before it destroys any of them.
-  virtual void StopHandlers() = 0;
 };
 
 }  // namespace bits

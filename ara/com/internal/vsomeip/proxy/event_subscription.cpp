@@ -1,184 +1,445 @@
 #include "ara/com/internal/vsomeip/proxy/event_subscription.h"
 
 #include <algorithm>
+#include <condition_variable>
+#include <exception>
 #include <map>
+#include <mutex>
+#include <optional>
 #include <tuple>
 #include <utility>
+#include <vector>
 
+#include "ara/com/internal/vsomeip/common/logger.h"
 #include "platform/include/connection.h"
+#include "platform/include/message_check.h"
 #include "platform/include/service_availability.h"
 
 namespace ara::com::internal::vsomeip::proxy {
 
 namespace {
 
-using Key = std::tuple<std::uint16_t, std::uint16_t, std::uint16_t>;  // service, instance, event
+constexpr const char* kSource = "proxy/event_subscription";
 
-/// All subscriptions of the process. The mutex also serialises their beginnings and ends at the stack, so that the end
-/// of one never undoes the beginning of the next.
-struct Directory {
-  std::mutex mutex;
-  std::map<Key, std::shared_ptr<EventSubscription>> subscriptions;
-};
-
-// Never destroyed: a proxy with static lifetime may unsubscribe after everything else is gone.
-Directory& GetDirectory() {
-  static auto* const directory = new Directory;
-  return *directory;
+template <typename... Arguments>
+std::shared_ptr<const std::function<void(Arguments...)>> Share(std::function<void(Arguments...)> handler) {
+  return handler ? std::make_shared<const std::function<void(Arguments...)>>(std::move(handler)) : nullptr;
 }
-
-Key KeyOf(const EventIdentity& event) { return {event.service, event.instance, event.event}; }
 
 }  // namespace
 
-EventSubscription::Membership EventSubscription::Join(const EventIdentity& event,
-                                                      const std::shared_ptr<EventSubscriber>& subscriber) {
-  Directory& directory = GetDirectory();
-  const std::lock_guard<std::mutex> lock(directory.mutex);
-  auto& subscription = directory.subscriptions[KeyOf(event)];
-  if (subscription != nullptr) {
-    subscription->Add(subscriber);
-    return {subscription, false};
+/// What the process has one of for each event of a service instance: the subscription at the stack, and the lock.
+class EventSubscription::SharedEvent : public std::enable_shared_from_this<SharedEvent> {
+ public:
+  using Members = std::vector<std::shared_ptr<EventSubscription>>;
+
+  static std::shared_ptr<SharedEvent> Of(const EventIdentity& identity);
+  explicit SharedEvent(const EventIdentity& identity) : identity_(identity) {}
+  ~SharedEvent();
+  SharedEvent(const SharedEvent&) = delete;
+  SharedEvent& operator=(const SharedEvent&) = delete;
+
+  const EventIdentity& Identity() const noexcept { return identity_; }
+
+  void Add(const std::shared_ptr<EventSubscription>& member);
+  void Remove(const EventSubscription& member);
+
+  /// Subscribes at the stack, for a member that has joined, unless it has left again.
+  void SubscribeFor(const EventSubscription& member, bool isField);
+  /// Unsubscribes at the stack when no member is left that has joined.
+  void UnsubscribeIfUnused();
+
+  bool validateMessage(const ::vsomeip::message& message) const;
+
+  /// Guards everything in the members, and what is marked so below. Never held across a call into the application
+  /// or on the stack.
+  std::mutex mutex;
+  std::condition_variable handlers_ended;
+  Message latest;  // guarded by mutex; null while there is none, or the provider is away or has refused
+
+ private:
+  using Key = std::tuple<std::uint16_t, std::uint16_t, std::uint16_t>;  // service, instance, event
+  struct Directory;
+
+  static Key KeyOf(const EventIdentity& event) { return {event.service, event.instance, event.event}; }
+
+  void TellSubscription(std::uint64_t round, bool isField);
+  void TellEnd();
+  bool HasJoinedMember() const;
+  void OnMessage(std::uint64_t round, const Message& message);
+  void OnStatus(std::uint64_t round, std::uint16_t status);
+  void OnAvailability(std::uint64_t round, bool available);
+
+  const EventIdentity identity_;
+
+  std::mutex stack_mutex_;  // serialises what the stack is told, and guards the next two; taken before mutex
+  bool is_subscribed_at_stack_ = false;
+  std::optional<std::uint64_t> availability_token_;
+
+  std::shared_ptr<const Members> members_ = std::make_shared<const Members>();  // guarded by mutex; replaced as a whole
+  // Guarded by mutex. Counts the subscriptions at the stack and their ends: what the stack had queued for an earlier
+  // one is not taken for the present one's.
+  std::uint64_t round_ = 0;
+};
+
+/// The events that are in use.
+struct EventSubscription::SharedEvent::Directory {
+  std::mutex mutex;  // guards events; never held across any call
+  std::map<Key, std::weak_ptr<SharedEvent>> events;
+
+  /// Never destroyed: a proxy with static lifetime may go after everything else.
+  static Directory& Get() {
+    static auto* const directory = new Directory;
+    return *directory;
   }
-  try {
-    subscription.reset(new EventSubscription(event));
-    subscription->Add(subscriber);
-    subscription->Begin();
-    return {subscription, true};
-  } catch (...) {
-    directory.subscriptions.erase(KeyOf(event));
-    throw;
+};
+
+std::shared_ptr<EventSubscription::SharedEvent> EventSubscription::SharedEvent::Of(const EventIdentity& identity) {
+  Directory& directory = Directory::Get();
+  const std::lock_guard<std::mutex> lock(directory.mutex);
+  auto& entry = directory.events[KeyOf(identity)];
+  auto event = entry.lock();
+  if (event == nullptr) {
+    // One that has just gone has unsubscribed at the stack before: each member does so before it lets go.
+    event = std::make_shared<SharedEvent>(identity);
+    entry = event;
+  }
+  return event;
+}
+
+EventSubscription::SharedEvent::~SharedEvent() {
+  Directory& directory = Directory::Get();
+  const std::lock_guard<std::mutex> lock(directory.mutex);
+  const auto found = directory.events.find(KeyOf(identity_));
+  if (found->second.expired()) {  // else another one has taken the place
+    directory.events.erase(found);
   }
 }
 
-void EventSubscription::Leave(const EventSubscriber& subscriber) {
-  Directory& directory = GetDirectory();
-  const std::lock_guard<std::mutex> lock(directory.mutex);
-  if (Remove(subscriber)) {
-    End();
-    directory.subscriptions.erase(KeyOf(event_));
-  }
+void EventSubscription::SharedEvent::Add(const std::shared_ptr<EventSubscription>& member) {
+  const std::lock_guard<std::mutex> lock(mutex);
+  auto members = std::make_shared<Members>(*members_);
+  members->push_back(member);
+  members_ = std::move(members);
 }
 
-void EventSubscription::Begin() {
+void EventSubscription::SharedEvent::Remove(const EventSubscription& member) {
+  const std::lock_guard<std::mutex> lock(mutex);
+  auto members = std::make_shared<Members>();
+  std::copy_if(members_->begin(), members_->end(), std::back_inserter(*members),
+               [&](const auto& other) { return other.get() != &member; });
+  members_ = std::move(members);
+}
+
+bool EventSubscription::SharedEvent::HasJoinedMember() const {
+  return std::any_of(members_->begin(), members_->end(), [](const auto& member) { return member->joined_; });
+}
+
+void EventSubscription::SharedEvent::SubscribeFor(const EventSubscription& member, bool isField) {
+  const std::lock_guard<std::mutex> telling(stack_mutex_);
+  std::uint64_t round = 0;
+  {
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (!member.joined_) {
+      return;
+    }
+    if (!is_subscribed_at_stack_) {
+      ++round_;
+    }
+    round = round_;
+  }
+  TellSubscription(round, isField);
+}
+
+void EventSubscription::SharedEvent::TellSubscription(std::uint64_t round, bool isField) {
   const auto application = runtime::VSomeIPConnection::instance_.Application();
-  const std::weak_ptr<EventSubscription> weak = weak_from_this();
-  const auto onMessage = [weak](const std::shared_ptr<::vsomeip::message>& message) {
+  const auto weak = weak_from_this();
+  const auto onMessage = [weak, round](const Message& message) {
     if (const auto self = weak.lock()) {
-      self->OnMessage(message);
+      self->OnMessage(round, message);
     }
   };
+  const bool isFirst = !std::exchange(is_subscribed_at_stack_, true);  // its end is due from here on, come what may
+  const auto type = isField ? ::vsomeip::event_type_e::ET_FIELD : ::vsomeip::event_type_e::ET_EVENT;
   // The stack looks for the handler when a notification arrives, and the first one, the field's value as it stands, may
   // be here before subscribe() has returned. So the handler must be there already; where its registration belongs,
   // after the subscription, it is repeated, which changes nothing.
-  application->register_message_handler(event_.service, event_.instance, event_.event, onMessage);
-  application->request_event(event_.service, event_.instance, event_.event, event_.eventgroups, event_.type);
-  application->register_subscription_status_handler(event_.service, event_.instance, event_.eventgroup, event_.event,
-                                                    [weak](auto, auto, auto, auto, std::uint16_t status) {
-                                                      if (const auto self = weak.lock()) {
-                                                        self->OnStatus(status);
-                                                      }
-                                                    });
-  application->subscribe(event_.service, event_.instance, event_.eventgroup, event_.major, event_.event);
-  application->register_message_handler(event_.service, event_.instance, event_.event, onMessage);
-  if (common::registerAvailabilityHandler != nullptr) {
+  application->register_message_handler(identity_.service, identity_.instance, identity_.event, onMessage);
+  application->request_event(identity_.service, identity_.instance, identity_.event, identity_.eventgroups, type);
+  constexpr bool kRejectionsToo = true;
+  application->register_subscription_status_handler(
+      identity_.service, identity_.instance, identity_.eventgroup, identity_.event,
+      [weak, round](auto, auto, auto, auto, std::uint16_t status) {
+        if (const auto self = weak.lock()) {
+          self->OnStatus(round, status);
+        }
+      },
+      kRejectionsToo);
+  application->subscribe(identity_.service, identity_.instance, identity_.eventgroup, identity_.major, identity_.event);
+  application->register_message_handler(identity_.service, identity_.instance, identity_.event, onMessage);
+  if (isFirst && common::registerAvailabilityHandler != nullptr) {
     availability_token_ = common::registerAvailabilityHandler(
-        {event_.service, event_.instance, event_.major, event_.minor}, [weak](bool available) {
+        {identity_.service, identity_.instance, identity_.major, identity_.minor}, [weak, round](bool available) {
           if (const auto self = weak.lock()) {
-            self->OnAvailability(available);
+            self->OnAvailability(round, available);
           }
         });
   }
 }
 
-void EventSubscription::End() {
+void EventSubscription::SharedEvent::UnsubscribeIfUnused() {
+  const std::lock_guard<std::mutex> telling(stack_mutex_);
+  {
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (!is_subscribed_at_stack_ || HasJoinedMember()) {
+      return;
+    }
+    ++round_;
+    latest = nullptr;
+  }
+  is_subscribed_at_stack_ = false;
+  TellEnd();
+}
+
+// What fails is logged, and the rest is told all the same: nothing may stay registered.
+void EventSubscription::SharedEvent::TellEnd() {
+  const auto tell = [](const auto& what) {
+    try {
+      what();
+    } catch (const std::exception& error) {
+      common::LogWarning(kSource, "TellEnd", __LINE__) << "The stack fails to end a subscription: " << error.what();
+    }
+  };
+  if (const auto token = std::exchange(availability_token_, std::nullopt)) {
+    tell([&] { common::unregisterAvailabilityHandler(*token); });
+  }
   const auto application = runtime::VSomeIPConnection::instance_.Application();
-  if (common::unregisterAvailabilityHandler != nullptr) {
-    common::unregisterAvailabilityHandler(availability_token_);
+  tell([&] {
+    application->unregister_subscription_status_handler(identity_.service, identity_.instance, identity_.eventgroup,
+                                                        identity_.event);
+  });
+  tell([&] { application->unsubscribe(identity_.service, identity_.instance, identity_.eventgroup); });
+  tell([&] { application->release_event(identity_.service, identity_.instance, identity_.event); });
+  tell([&] { application->unregister_message_handler(identity_.service, identity_.instance, identity_.event); });
+}
+
+bool EventSubscription::SharedEvent::validateMessage(const ::vsomeip::message& message) const {
+  const bool valid = common::checkMessageMetaData(message, identity_.service, identity_.event, identity_.major,
+                                                  ::vsomeip::message_type_e::MT_NOTIFICATION,
+                                                  ::vsomeip::message_type_e::MT_UNKNOWN, false, false);
+  if (message.get_client() != 0) {
+    common::LogWarning(kSource, "validateMessage", __LINE__)
+        << "Incorrect client id: '" << message.get_client() << "', should be " << 0;
+    return false;
   }
-  application->unregister_subscription_status_handler(event_.service, event_.instance, event_.eventgroup, event_.event);
-  application->unsubscribe(event_.service, event_.instance, event_.eventgroup);
-  application->release_event(event_.service, event_.instance, event_.event);
-  application->unregister_message_handler(event_.service, event_.instance, event_.event);
+  return valid;
 }
 
-void EventSubscription::Add(const std::shared_ptr<EventSubscriber>& subscriber) {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  subscribers_.push_back(subscriber);
-  subscriber->StoreState(state_);
-  if (latest_ != nullptr) {
-    subscriber->StoreMessage(latest_);
+void EventSubscription::SharedEvent::OnMessage(std::uint64_t round, const Message& message) {
+  if (!validateMessage(*message)) {
+    common::LogWarning(kSource, "onMessage", __LINE__) << "Discarding invalid message";
+    return;
   }
-}
-
-// Whether the last one went.
-bool EventSubscription::Remove(const EventSubscriber& subscriber) {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  const bool hadAny = !subscribers_.empty();
-  subscribers_.erase(std::remove_if(subscribers_.begin(), subscribers_.end(),
-                                    [&](const auto& weak) {
-                                      const auto other = weak.lock();
-                                      return other == nullptr || other.get() == &subscriber;
-                                    }),
-                     subscribers_.end());
-  return hadAny && subscribers_.empty();
-}
-
-EventSubscription::Subscribers EventSubscription::LiveSubscribers() const {
-  Subscribers live;
-  for (const auto& weak : subscribers_) {
-    if (auto subscriber = weak.lock()) {
-      live.push_back(std::move(subscriber));
+  std::unique_lock<std::mutex> lock(mutex);
+  if (round != round_) {
+    return;
+  }
+  latest = message;
+  const auto members = members_;  // as they are now; keeps them alive
+  for (const auto& member : *members) {
+    if (member->joined_) {
+      member->messages_.push_back(message);
+      member->DropSurplusMessages();
+      member->is_value_unannounced_ = false;
+      member->receive_calls_.Add();
     }
   }
-  return live;
+  for (const auto& member : *members) {
+    member->receive_calls_.Make(lock, handlers_ended);
+  }
 }
 
-void EventSubscription::OnMessage(const std::shared_ptr<::vsomeip::message>& message) {
-  Subscribers receivers;
-  {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    for (auto& subscriber : LiveSubscribers()) {
-      if (subscriber->StoreMessage(message)) {
-        latest_ = message;
-        receivers.push_back(std::move(subscriber));
+void EventSubscription::SharedEvent::OnStatus(std::uint64_t round, std::uint16_t status) {
+  std::unique_lock<std::mutex> lock(mutex);
+  if (round != round_) {
+    return;
+  }
+  const bool isAccepted = status == 0;
+  if (!isAccepted) {
+    latest = nullptr;
+  }
+  const auto members = members_;
+  for (const auto& member : *members) {
+    if (member->joined_) {
+      member->setSubscriptionState(isAccepted ? SubscriptionState::kSubscribed : SubscriptionState::kNotSubscribed);
+      if (isAccepted && std::exchange(member->is_value_unannounced_, false)) {
+        member->receive_calls_.Add();
       }
     }
   }
-  for (const auto& subscriber : receivers) {
-    subscriber->ReportMessage();
+  for (const auto& member : *members) {
+    member->state_change_calls_.Make(lock, handlers_ended);
+    member->receive_calls_.Make(lock, handlers_ended);
   }
 }
 
-void EventSubscription::OnStatus(std::uint16_t status) {
-  SpreadState(status == 0 ? SubscriptionState::kSubscribed : SubscriptionState::kNotSubscribed);
-}
-
-void EventSubscription::OnAvailability(bool available) {
-  if (!available) {
-    SpreadState(SubscriptionState::kSubscriptionPending);  // the stack subscribes again when the provider returns
+void EventSubscription::SharedEvent::OnAvailability(std::uint64_t round, bool available) {
+  std::unique_lock<std::mutex> lock(mutex);
+  if (available || round != round_) {
+    return;  // the stack subscribes by itself when the provider returns, and then tells the status
+  }
+  latest = nullptr;
+  const auto members = members_;
+  for (const auto& member : *members) {
+    if (member->joined_ && member->state_ != SubscriptionState::kSubscriptionPending) {
+      member->setSubscriptionState(SubscriptionState::kSubscriptionPending);
+    }
+  }
+  for (const auto& member : *members) {
+    member->state_change_calls_.Make(lock, handlers_ended);
   }
 }
 
-void EventSubscription::SpreadState(SubscriptionState state) {
-  Subscribers receivers;
+std::shared_ptr<EventSubscription> EventSubscription::Open(const EventIdentity& event) {
+  const std::shared_ptr<EventSubscription> subscription(new EventSubscription(SharedEvent::Of(event)));
+  subscription->event_->Add(subscription);
+  return subscription;
+}
+
+void EventSubscription::Close() {
+  StopHandlers();
+  Unsubscribe();
+  event_->Remove(*this);
+}
+
+void EventSubscription::Subscribe(std::size_t cacheSize, std::shared_ptr<internal::proxy::SampleSlots> slots,
+                                  bool isField) {
+  const auto self = shared_from_this();  // the state handler may destroy the event object
   {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    if (state == state_) {
-      return;
+    std::unique_lock<std::mutex> lock(event_->mutex);
+    cache_size_ = cacheSize;
+    slots_.swap(slots);
+    DropSurplusMessages();
+    if (!std::exchange(joined_, true) && event_->latest != nullptr) {
+      // The stack has sent the field's value when another proxy subscribed, and does not send it again.
+      messages_.push_back(event_->latest);
+      is_value_unannounced_ = true;
     }
-    state_ = state;
-    if (state != SubscriptionState::kSubscribed) {
-      latest_ = nullptr;
-    }
-    receivers = LiveSubscribers();
-    for (const auto& subscriber : receivers) {
-      subscriber->StoreState(state);
-    }
+    setSubscriptionState(SubscriptionState::kSubscriptionPending);
+    state_change_calls_.Make(lock, event_->handlers_ended);
   }
-  for (const auto& subscriber : receivers) {
-    subscriber->ReportState(state);
+  try {
+    event_->SubscribeFor(*this, isField);
+  } catch (...) {
+    Leave();
+    throw;
   }
+}
+
+void EventSubscription::Unsubscribe() {
+  const auto self = shared_from_this();  // the state handler may destroy the event object
+  SetReceiveHandler(nullptr);
+  Leave();
+}
+
+void EventSubscription::Leave() {
+  {
+    const std::lock_guard<std::mutex> lock(event_->mutex);
+    joined_ = false;
+  }
+  event_->UnsubscribeIfUnused();
+  std::deque<Message> dropped;  // destroyed without the lock
+  std::unique_lock<std::mutex> lock(event_->mutex);
+  if (joined_) {
+    return;  // another thread has subscribed meanwhile
+  }
+  setSubscriptionState(SubscriptionState::kNotSubscribed);
+  state_change_calls_.Make(lock, event_->handlers_ended);
+  if (!joined_) {  // the handler may have subscribed again
+    dropped.swap(messages_);
+  }
+}
+
+void EventSubscription::StopHandlers() {
+  std::shared_ptr<const HandlerCalls<>::Handler> receiveHandler;
+  std::shared_ptr<const HandlerCalls<SubscriptionState>::Handler> stateChangeHandler;
+  std::unique_lock<std::mutex> lock(event_->mutex);
+  receive_calls_.Stop(receiveHandler);
+  state_change_calls_.Stop(stateChangeHandler);
+  event_->handlers_ended.wait(
+      lock, [this] { return !receive_calls_.RunsOnAnotherThread() && !state_change_calls_.RunsOnAnotherThread(); });
+  lock.unlock();  // before the handlers are destroyed: they may own anything
+}
+
+void EventSubscription::SetReceiveHandler(std::function<void()> handler) {
+  auto shared = Share(std::move(handler));
+  const std::lock_guard<std::mutex> lock(event_->mutex);
+  receive_calls_.Set(shared);
+}
+
+void EventSubscription::SetSubscriptionStateChangeHandler(std::function<void(SubscriptionState)> handler) {
+  auto shared = Share(std::move(handler));
+  const std::lock_guard<std::mutex> lock(event_->mutex);
+  state_change_calls_.Set(shared);
+}
+
+SubscriptionState EventSubscription::GetSubscriptionState() const {
+  const std::lock_guard<std::mutex> lock(event_->mutex);
+  return state_;
+}
+
+std::size_t EventSubscription::GetFreeSampleCount() const {
+  const std::lock_guard<std::mutex> lock(event_->mutex);
+  return slots_ == nullptr ? 0 : slots_->GetFreeSampleCount();
+}
+
+e2exf::CheckResult EventSubscription::DoCheckResult() const {
+  const std::lock_guard<std::mutex> lock(event_->mutex);
+  return check_result_;
+}
+
+EventSubscription::Waiting EventSubscription::GetWaiting() {
+  const std::lock_guard<std::mutex> lock(event_->mutex);
+  if (messages_.empty()) {
+    EnterCheck(e2exf::ProfileCheckStatus::kNoNewData);
+  }
+  return {messages_.size(), slots_};
+}
+
+EventSubscription::Taken EventSubscription::TakeMessage() {
+  const std::lock_guard<std::mutex> lock(event_->mutex);
+  if (messages_.empty()) {
+    return {nullptr, e2exf::ProfileCheckStatus::kNotAvailable};
+  }
+  Taken taken{std::move(messages_.front()), e2exf::ProfileCheckStatus::kOk};
+  messages_.pop_front();
+  if (!taken.message->is_valid_crc()) {
+    taken.status = e2exf::ProfileCheckStatus::kError;
+  }
+  EnterCheck(taken.status);
+  return taken;
+}
+
+bool EventSubscription::validateMessage(const ::vsomeip::message& message) const {
+  return event_->validateMessage(message);
+}
+
+// The newest data wins over unread old data.
+void EventSubscription::DropSurplusMessages() {
+  while (messages_.size() > cache_size_) {
+    messages_.pop_front();
+    ++dropped_messages_;
+  }
+}
+
+void EventSubscription::setSubscriptionState(SubscriptionState state) {
+  state_ = state;
+  state_change_calls_.Add(state);
+}
+
+void EventSubscription::EnterCheck(e2exf::ProfileCheckStatus status) {
+  const EventIdentity& event = event_->Identity();
+  check_result_ = e2exf::StatusHandler::HandleCheckStatus(event.service, event.instance, event.event, status);
 }
 
 }  // namespace ara::com::internal::vsomeip::proxy

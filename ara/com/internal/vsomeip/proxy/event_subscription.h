@@ -1,18 +1,22 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <deque>
+#include <functional>
 #include <memory>
-#include <mutex>
 #include <set>
-#include <vector>
 
 #include <vsomeip/vsomeip.hpp>
 
+#include "ara/com/internal/vsomeip/proxy/handler_calls.h"
+#include "ara/com/sample_ptr.h"
 #include "ara/com/subscription_state.h"
+#include "platform/include/e2e_status_handler.h"
 
 namespace ara::com::internal::vsomeip::proxy {
 
-/// What the stack is asked for when an event is subscribed.
+/// Which event of which service instance, and what the stack is told about it.
 struct EventIdentity {
   std::uint16_t service;
   std::uint16_t instance;
@@ -21,64 +25,83 @@ struct EventIdentity {
   std::uint16_t event;
   std::uint16_t eventgroup;
   std::set<::vsomeip::eventgroup_t> eventgroups;
-  ::vsomeip::event_type_e type;
 };
 
-/// One user of an event's subscription. Store operations are called with the subscription's lock held and must not call
-/// into the application; Report operations are called without any lock.
-class EventSubscriber {
+/// One event object's subscription: all of it that depends on no record type. Owns the state, the queue of
+/// notifications, the application's handlers and the end-to-end check.
+///
+/// The stack keeps one handler and one subscription per event in a process. What the event objects of several proxies
+/// share for that reason is a SharedEvent, which also holds the one lock. Every operation may be called from any
+/// thread, and from any handler; a handler may destroy the event object, also inside Subscribe() and Unsubscribe().
+class EventSubscription final : public std::enable_shared_from_this<EventSubscription> {
  public:
-  virtual ~EventSubscriber() = default;
+  using Message = std::shared_ptr<::vsomeip::message>;
 
-  /// Takes a notification; false when it was refused.
-  virtual bool StoreMessage(const std::shared_ptr<::vsomeip::message>& message) = 0;
-  virtual void ReportMessage() = 0;
-  virtual void StoreState(SubscriptionState state) = 0;
-  virtual void ReportState(SubscriptionState state) = 0;
-};
-
-/// The process's one subscription of an event of a service instance. The stack keeps one handler and one subscription
-/// per event, so several proxies of the same instance share them: the first to join subscribes, the last to leave
-/// unsubscribes, and one that joins a subscription under way receives the state and the latest value at once.
-class EventSubscription : public std::enable_shared_from_this<EventSubscription> {
- public:
-  struct Membership {
-    std::shared_ptr<EventSubscription> subscription;
-    bool
-        isFirst;  ///< when false, the state and the latest value, if any, have been stored: the subscriber reports them
-  };
-
-  /// Adds a subscriber, which is held weakly. What the stack throws passes; nothing is subscribed then.
-  static Membership Join(const EventIdentity& event, const std::shared_ptr<EventSubscriber>& subscriber);
-  /// Removes a subscriber. A call to it that is under way on another thread may still end after that.
-  void Leave(const EventSubscriber& subscriber);
+  /// Not subscribed. Whoever opens one closes it.
+  static std::shared_ptr<EventSubscription> Open(const EventIdentity& event);
+  /// Stops the handlers and ends the subscription.
+  void Close();
 
   EventSubscription(const EventSubscription&) = delete;
   EventSubscription& operator=(const EventSubscription&) = delete;
 
+  /// Subscribes, or subscribes once more: the state becomes pending, and what the stack answers is the next one. From
+  /// now on `slots` is the sample cache, of `cacheSize` slots. `isField` is the kind of event that is requested. Throws
+  /// what the stack throws; the event is not subscribed then.
+  void Subscribe(std::size_t cacheSize, std::shared_ptr<internal::proxy::SampleSlots> slots, bool isField);
+  void Unsubscribe();
+
+  /// Takes both handlers back, for good, and waits until neither runs on another thread.
+  void StopHandlers();
+  void SetReceiveHandler(std::function<void()> handler);
+  void SetSubscriptionStateChangeHandler(std::function<void(SubscriptionState)> handler);
+
+  SubscriptionState GetSubscriptionState() const;
+  std::size_t GetFreeSampleCount() const;
+  e2exf::CheckResult DoCheckResult() const;
+
+  /// What there is to fetch: how many notifications wait, and the cache for their values. Where none waits, that is
+  /// entered as the outcome of the end-to-end check.
+  struct Waiting {
+    std::size_t count;
+    std::shared_ptr<internal::proxy::SampleSlots> slots;  // null before the first Subscribe()
+  };
+  Waiting GetWaiting();
+
+  /// Takes the oldest notification, and enters its end-to-end check. The message is null when none waits.
+  struct Taken {
+    Message message;
+    e2exf::ProfileCheckStatus status;
+  };
+  Taken TakeMessage();
+
+  /// Whether a notification fits this event: its header the event, its client id 0.
+  bool validateMessage(const ::vsomeip::message& message) const;
+
  private:
-  using Subscribers = std::vector<std::shared_ptr<EventSubscriber>>;
+  class SharedEvent;
 
-  explicit EventSubscription(const EventIdentity& event) : event_(event) {}
+  explicit EventSubscription(std::shared_ptr<SharedEvent> event) : event_(std::move(event)) {}
 
-  void Begin();
-  void End();
-  void Add(const std::shared_ptr<EventSubscriber>& subscriber);
-  bool Remove(const EventSubscriber& subscriber);
+  void Leave();
+  // To be called with the shared event's mutex held:
+  void DropSurplusMessages();
+  void setSubscriptionState(SubscriptionState state);
+  void EnterCheck(e2exf::ProfileCheckStatus status);
 
-  void OnMessage(const std::shared_ptr<::vsomeip::message>& message);
-  void OnStatus(std::uint16_t status);
-  void OnAvailability(bool available);
-  void SpreadState(SubscriptionState state);
-  Subscribers LiveSubscribers() const;
+  const std::shared_ptr<SharedEvent> event_;
 
-  const EventIdentity event_;
-  std::uint64_t availability_token_ = 0;
-
-  std::mutex mutex_;  // guards the members below; taken before a subscriber's own lock
-  std::vector<std::weak_ptr<EventSubscriber>> subscribers_;
-  SubscriptionState state_ = SubscriptionState::kSubscriptionPending;
-  std::shared_ptr<::vsomeip::message> latest_;  // null while there is none, or the provider is away
+  // All that follows is guarded by the shared event's mutex.
+  bool joined_ = false;  // takes part: from Subscribe() to Unsubscribe(), whatever the stack says meanwhile
+  SubscriptionState state_ = SubscriptionState::kNotSubscribed;
+  std::size_t cache_size_ = 0;
+  std::shared_ptr<internal::proxy::SampleSlots> slots_;
+  std::deque<Message> messages_;
+  std::uint64_t dropped_messages_ = 0;
+  bool is_value_unannounced_ = false;  // a value that was there when this joined waits, and nobody has been told
+  e2exf::CheckResult check_result_;
+  HandlerCalls<> receive_calls_;
+  HandlerCalls<SubscriptionState> state_change_calls_;
 };
 
 }  // namespace ara::com::internal::vsomeip::proxy

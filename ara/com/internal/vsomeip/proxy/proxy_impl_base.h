@@ -8,14 +8,19 @@
 
 namespace ara::com::internal::vsomeip::proxy {
 
-/// What every SOME/IP proxy binding holds beside its fields: the request for its service instance. As a base class it
-/// is made before the first field and given back after the last, also when a field's construction fails.
+/// The base of every SOME/IP proxy binding, and of each of its events. A binding holds the request for its service
+/// instance here: as a base class it is made before the first field and given back after the last, also when a field's
+/// construction fails. An event lives within its binding's request and holds none.
 class ProxyImplBase {
  public:
   ProxyImplBase(const ProxyImplBase&) = delete;
   ProxyImplBase& operator=(const ProxyImplBase&) = delete;
 
+  /// Takes the application's handlers back, for good, and waits until none runs on another thread.
+  virtual void StopHandlers() {}
+
  protected:
+  ProxyImplBase() = default;
   explicit ProxyImplBase(const common::ServiceInstance& service) : requested_(service) {}
   virtual ~ProxyImplBase() { requested_.DropServiceInstance(); }
 
@@ -25,12 +30,13 @@ class ProxyImplBase {
   runtime::VSomeIPConnection::RequestedServiceInstance requested_;
 };
 
-/// To be called first in a binding's destructor: takes all handlers back and waits for those that run, while every
-/// field is still whole. A handler may use any field of its proxy, not only the one that calls it.
+/// To be called first in a binding's destructor: stops the handlers of all its fields while every field is still whole.
+/// A handler may use any field of its proxy, not only the one that calls it.
 template <typename Interface, typename Binding>
 void StopHandlers(Binding& binding) {
-  common::ForEachType(typename Interface::Fields{},
-                      [&](auto field) { (binding.*decltype(field)::accessor)().StopHandlers(); });
+  common::ForEachType(typename Interface::Fields{}, [&](auto field) {
+    dynamic_cast<ProxyImplBase&>((binding.*decltype(field)::accessor)()).StopHandlers();
+  });
 }
 
 }  // namespace ara::com::internal::vsomeip::proxy

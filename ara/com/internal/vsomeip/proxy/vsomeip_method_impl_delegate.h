@@ -4,18 +4,69 @@
 #include <exception>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <unordered_map>
 #include <utility>
 
 #include <vsomeip/vsomeip.hpp>
 
 #include "ara/com/internal/vsomeip/common/logger.h"
-#include "ara/com/internal/vsomeip/proxy/response_decoding.h"
+#include "ara/com/internal/vsomeip/proxy/payload_view.h"
+#include "core_types/com_error_domain.h"
 #include "core_types/promise.h"
 #include "platform/include/connection.h"
+#include "platform/include/error_domain_registry.h"
 #include "platform/include/message_check.h"
+#include "serialization/deserializer.h"
+#include "serialization/error_code_codec.h"
+#include "serialization/serializer.h"
 
 namespace ara::com::internal::vsomeip::proxy {
+
+namespace detail {
+
+inline constexpr const char* kDelegateSource = "proxy/vsomeip_method_impl_delegate";
+
+/// Attaches a field's value to a message.
+template <typename T>
+void AddPayload(runtime::VSomeIPConnection& connection, ::vsomeip::message& message, const T& value) {
+  common::ByteVector bytes;
+  common::SequenceContainerSerializer<T>(value).pushbackTo(bytes);
+  message.set_payload(connection.MessageRuntime()->create_payload(bytes));
+}
+
+/// Completes a call with the value that a response carries, or with kNetworkBindingFailure where it cannot be decoded.
+template <typename R>
+void SetResult(ara::core::Promise<R>& promise, const ::vsomeip::message& response) {
+  ara::core::Result<R> result = MakeErrorCode(ComErrc::kNetworkBindingFailure);
+  try {
+    const PayloadView payload(response);
+    result = common::DeserializeFieldValue<R>(payload.Data(), payload.Size());
+  } catch (const std::exception& error) {
+    common::LogWarning(kDelegateSource, "SetResult", __LINE__)
+        << "(Exception : proxy/vsomeip_method_impl_delegate.h) SetResult() deserializer error : " << error.what();
+  }
+  promise.SetResult(std::move(result));
+}
+
+/// Completes a call with the error code that a response carries, or with kNetworkBindingFailure where it cannot be
+/// decoded.
+template <typename R>
+void SetError(ara::core::Promise<R>& promise, const ::vsomeip::message& response) {
+  ara::core::ErrorCode code = MakeErrorCode(ComErrc::kNetworkBindingFailure);
+  try {
+    const PayloadView payload(response);
+    const common::Deserializer<ara::core::ErrorCode> decoded(payload.Data(), payload.Size());
+    const auto& domain = common::error_domains::Registry::getDomain(decoded.domainId());
+    code = ara::core::ErrorCode(decoded.value(), decoded.supportData(), domain);
+  } catch (const std::exception& error) {
+    common::LogWarning(kDelegateSource, "SetError", __LINE__)
+        << "(Exception : proxy/vsomeip_method_impl_delegate.h) SetError() deserializer error : " << error.what();
+  }
+  promise.SetError(ara::core::ErrorCode(code));
+}
+
+}  // namespace detail
 
 /// The calls of one method of one service instance that are under way: each request waits in a table, under its request
 /// id, for its response. Shared with the response handler, which holds it weakly.
@@ -46,33 +97,42 @@ class MethodImplDelegate {
     request->set_instance(instance_);
     request->set_method(Descriptor::method_id);
     request->set_interface_version(Descriptor::interface_version);
-    request->set_session(NextSession());
     (detail::AddPayload(connection, *request, args), ...);
 
     ara::core::Promise<R> promise;
     auto future = promise.get_future();
-    // The stack fills the request id in while sending. The lock makes a response that is faster than this thread wait.
-    const std::lock_guard<std::mutex> lock(mutex_);
-    application->send(request);
-    pending_calls_.insert_or_assign(request->get_request(), PendingCall{request, std::move(promise)});
+    CallNode overtaken;
+    {
+      // The stack fills the request id in while sending. The lock makes a response that is faster than this thread
+      // wait.
+      const std::lock_guard<std::mutex> lock(mutex_);
+      request->set_session(++session_counter_);
+      application->send(request);
+      overtaken = pending_calls_.extract(request->get_request());
+      Insert(request, std::move(promise));
+    }
+    if (!overtaken.empty()) {
+      common::LogWarning(kSource, "startCall", __LINE__)
+          << "Request id " << request->get_request() << " has come around: the older call is given up";
+      overtaken.mapped().promise.SetError(MakeErrorCode(ComErrc::kNetworkBindingFailure));
+    }
     return future;
   }
 
   /// Completes the call that a response answers. A response that answers none is dropped.
   void onMessage(const std::shared_ptr<::vsomeip::message>& response) {
     const std::lock_guard<std::mutex> completing(completion_mutex_);
-    auto taken = TakeCall(response->get_request());
-    if (taken.empty()) {
+    auto call = TakeCall(response->get_request());
+    if (!call) {
       return;
     }
-    PendingCall& call = taken.mapped();
-    if (!validateMessage(*call.request, *response)) {
+    if (!validateMessage(*call->request, *response)) {
       common::LogWarning(kSource, "onMessage", __LINE__) << "Discarding invalid message";
-      call.promise.SetError(MakeErrorCode(ComErrc::kNetworkBindingFailure));
+      call->promise.SetError(MakeErrorCode(ComErrc::kNetworkBindingFailure));
     } else if (response->get_return_code() != ::vsomeip::return_code_e::E_OK) {
-      detail::SetError(call.promise, *response);
+      detail::SetError(call->promise, *response);
     } else {
-      detail::SetResult(call.promise, *response);
+      detail::SetResult(call->promise, *response);
     }
   }
 
@@ -103,23 +163,36 @@ class MethodImplDelegate {
   };
 
   using PendingCalls = std::unordered_map<::vsomeip::request_t, PendingCall>;
+  using CallNode = typename PendingCalls::node_type;
 
-  // Empty when no call waits under that id.
-  typename PendingCalls::node_type TakeCall(::vsomeip::request_t request) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return pending_calls_.extract(request);
+  // With the lock held.
+  void Insert(const std::shared_ptr<::vsomeip::message>& request, ara::core::Promise<R> promise) {
+    if (spare_node_.empty()) {
+      pending_calls_.emplace(request->get_request(), PendingCall{request, std::move(promise)});
+      return;
+    }
+    spare_node_.key() = request->get_request();
+    spare_node_.mapped() = PendingCall{request, std::move(promise)};
+    pending_calls_.insert(std::move(spare_node_));
   }
 
-  std::uint16_t NextSession() {
+  // Empty when no call waits under that id.
+  std::optional<PendingCall> TakeCall(::vsomeip::request_t id) {
+    std::optional<PendingCall> call;
     const std::lock_guard<std::mutex> lock(mutex_);
-    return ++session_counter_;
+    if (CallNode node = pending_calls_.extract(id)) {
+      call = std::move(node.mapped());
+      spare_node_ = std::move(node);
+    }
+    return call;
   }
 
   const std::uint16_t instance_;
   std::uint16_t session_counter_ = 0;  // the last session id used; wraps at 16 bits
   std::mutex completion_mutex_;        // held while a call is completed, so that completions do not overlap
-  std::mutex mutex_;                   // guards the session counter and the pending calls
+  std::mutex mutex_;                   // guards the session counter, the pending calls and the spare node
   PendingCalls pending_calls_;
+  CallNode spare_node_;  // of the last call that was answered: the next one needs no allocation
 };
 
 }  // namespace ara::com::internal::vsomeip::proxy
