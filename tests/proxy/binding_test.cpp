@@ -2,6 +2,7 @@
 #include <tuple>
 
 #include "registry/service_mapping.h"
+#include "registry/service_mapping_impl.h"
 #include "tests/proxy/proxy_fixture.h"
 
 namespace {
@@ -39,6 +40,29 @@ TEST_F(BindingTest, GivesEverythingBackWhenItsConstructionFailsHalfWay) {
               ElementsAre("request_service 6005 7 4", "register_message_handler 6005 7 4020",
                           "register_message_handler 6005 7 4030", "unregister_message_handler 6005 7 4030",
                           "unregister_message_handler 6005 7 4020", "release_service 6005 7"));
+}
+
+TEST_F(BindingTest, AFactoryMakesIndependentBindingsAndNoneOfAForeignIdentifier) {
+  ara::com::internal::vsomeip::runtime::ProxyFactoryImpl<EnergySystemImpl> factory{ara::com::InstanceIdentifier("7")};
+  auto one = factory.Create();
+  auto other = factory.Create();
+  ASSERT_NE(one, nullptr);
+  ASSERT_NE(other, nullptr);
+  EXPECT_NE(one, other);
+  application_.TakeCalls();
+  one.reset();
+  EXPECT_THAT(application_.TakeCalls(), ElementsAre()) << "the other one still needs everything";
+  other.reset();
+  EXPECT_EQ(application_.TakeCalls().back(), "release_service 6005 7");
+
+  factory.SetInstanceIdentifier(factory.GetInstanceIdentifier());
+  EXPECT_EQ(factory.GetInstanceIdentifier().ToString(), "7");
+  for (const char* const foreign : {"", "somewhere", "65536", "0xFFFF", "ANY"}) {
+    factory.SetInstanceIdentifier(ara::com::InstanceIdentifier(foreign));
+    EXPECT_EQ(factory.Create(), nullptr) << foreign;
+    EXPECT_EQ(factory.Create(), nullptr) << foreign;
+  }
+  EXPECT_THAT(application_.TakeCalls(), ElementsAre());
 }
 
 TEST_F(BindingTest, TheRegistryKnowsTheFiveServicesByBothIds) {

@@ -1,51 +1,83 @@
+#include <stdexcept>
+
 #include "core_types/com_error_domain.h"
 #include "tests/proxy/proxy_fixture.h"
 
+// One event object: its subscription at the stack, its cache, its samples.
 namespace {
 
 using namespace proxy_test;
-using ara::com::SamplePtr;
-using ara::com::SubscriptionState;
 using ara::com::e2exf::ProfileCheckStatus;
 using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
+using State = SubscriptionState;
+
+const std::vector<std::string> kSubscribing = {
+    "register_message_handler 6005 7 c010", "request_event 6005 7 c010 c010 1 0",
+    "register_subscription_status_handler 6005 7 c010 c010", "subscribe 6005 7 c010 4 c010",
+    "register_message_handler 6005 7 c010"};
 
 class EventTest : public BoundProxyTest {
  protected:
-  using Field = kro::services::energysystem::proxy::EnergySystemProxyBase::Field<Record>;
-
-  std::vector<unsigned> Fetch(std::size_t most = 100) { return FetchFrom(field_, most); }
-  static std::vector<unsigned> FetchFrom(Field& field, std::size_t most = 100) {
-    std::vector<unsigned> numbers;
-    const auto count =
-        field.GetNewSamples([&](SamplePtr<const Value> sample) { numbers.push_back(*sample->at(0).member0); }, most);
-    EXPECT_EQ(count.ValueOrThrow(), numbers.size());
-    return numbers;
+  void FollowStates() {
+    field_.SetSubscriptionStateChangeHandler([this](State state) { states_.push_back(state); });
   }
-  void Acknowledge() { application_.ReportStatus(kService, kInstance, kEvent, 0); }
 
-  Field& field_ = binding_->Getnotifications();
+  std::vector<State> states_;
 };
 
 TEST_F(EventTest, SubscribesAndUnsubscribesInOrder) {
-  std::vector<SubscriptionState> states;
-  field_.SetSubscriptionStateChangeHandler([&](SubscriptionState state) { states.push_back(state); });
+  FollowStates();
   application_.TakeCalls();
   field_.Subscribe(3);
-  EXPECT_THAT(application_.TakeCalls(),
-              ElementsAre("register_message_handler 6005 7 c010", "request_event 6005 7 c010 c010 1 0",
-                          "register_subscription_status_handler 6005 7 c010 c010", "subscribe 6005 7 c010 4 c010",
-                          "register_message_handler 6005 7 c010"));
-  EXPECT_EQ(field_.GetSubscriptionState(), SubscriptionState::kSubscriptionPending);
+  EXPECT_THAT(application_.TakeCalls(), ElementsAreArray(kSubscribing));
+  EXPECT_EQ(field_.GetSubscriptionState(), State::kSubscriptionPending);
   EXPECT_EQ(field_.GetFreeSampleCount(), 3U);
-  Acknowledge();
+  Report(kAccepted);
   EXPECT_TRUE(field_.IsSubscribed());
   field_.Unsubscribe();
   EXPECT_THAT(application_.TakeCalls(),
               ElementsAre("unregister_subscription_status_handler 6005 7 c010 c010", "unsubscribe 6005 7 c010",
                           "release_event 6005 7 c010", "unregister_message_handler 6005 7 c010"));
-  EXPECT_THAT(states, ElementsAre(SubscriptionState::kSubscriptionPending, SubscriptionState::kSubscribed,
-                                  SubscriptionState::kNotSubscribed));
+  EXPECT_THAT(states_, ElementsAre(State::kSubscriptionPending, State::kSubscribed, State::kNotSubscribed));
+}
+
+TEST_F(EventTest, SubscribingOnceMoreAsksTheStackAgain) {
+  FollowStates();
+  for (const std::uint16_t answer : {kRejected, kAccepted, kAccepted}) {
+    application_.TakeCalls();
+    field_.Subscribe(1);
+    EXPECT_THAT(application_.TakeCalls(), ElementsAreArray(kSubscribing));
+    Report(answer);
+  }
+  EXPECT_THAT(states_, ElementsAre(State::kSubscriptionPending, State::kNotSubscribed, State::kSubscriptionPending,
+                                   State::kSubscribed, State::kSubscriptionPending, State::kSubscribed));
+}
+
+// The stack goes on asking a provider that has refused. What such a provider sends is taken, also before it is said
+// that it accepts now.
+TEST_F(EventTest, ARejectedSubscriptionIsNotSubscribedButStillTakesPart) {
+  field_.Subscribe(2);
+  Report(kRejected);
+  EXPECT_EQ(field_.GetSubscriptionState(), State::kNotSubscribed);
+  application_.Deliver(NotificationOf(1));
+  EXPECT_THAT(Fetch(field_), ElementsAre(1));
+  Report(kAccepted);
+  EXPECT_TRUE(field_.IsSubscribed());
+}
+
+TEST_F(EventTest, EveryStatusReachesTheStateHandlerAndBothEdgesOfALoss) {
+  field_.Subscribe(1);
+  Report(kAccepted);
+  FollowStates();
+  Report(kAccepted);
+  application_.ReportAvailability(kService, kInstance, true);
+  application_.ReportAvailability(kService, kInstance, false);
+  application_.ReportAvailability(kService, kInstance, false);
+  application_.ReportAvailability(kService, kInstance, true);
+  Report(kAccepted);
+  EXPECT_THAT(states_, ElementsAre(State::kSubscribed, State::kSubscriptionPending, State::kSubscribed));
 }
 
 TEST_F(EventTest, ACacheOfNothingIsRefused) {
@@ -54,33 +86,67 @@ TEST_F(EventTest, ACacheOfNothingIsRefused) {
   EXPECT_THAT(testing::internal::GetCapturedStderr(),
               HasSubstr("(Exception : proxy/vsomeip_event_impl.h) Subscribe() DoSubscribe error : "
                         "cache_size must be at least 1\n"));
-  EXPECT_EQ(field_.GetSubscriptionState(), SubscriptionState::kNotSubscribed);
+  EXPECT_EQ(field_.GetSubscriptionState(), State::kNotSubscribed);
 }
 
-TEST_F(EventTest, AFailingStackLeavesItNotSubscribed) {
-  application_.on_call = [](const std::string& call) {
-    if (call.rfind("subscribe", 0) == 0) {
-      throw std::runtime_error("no network");
-    }
-  };
-  testing::internal::CaptureStderr();
-  field_.Subscribe(1);
-  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("DoSubscribe error : no network\n"));
-  EXPECT_EQ(field_.GetSubscriptionState(), SubscriptionState::kNotSubscribed);
+TEST_F(EventTest, AFailingStackLeavesItNotSubscribedAndNothingRegistered) {
+  FollowStates();
+  const auto before = application_.CountLeftovers();
+  for (const char* const failing :
+       {"register_message_handler", "request_event", "register_subscription_status_handler", "subscribe"}) {
+    application_.on_call = [failing](const std::string& call) {
+      if (call.rfind(failing, 0) == 0) {
+        throw std::runtime_error("no network");
+      }
+    };
+    states_.clear();
+    testing::internal::CaptureStderr();
+    field_.Subscribe(1);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("DoSubscribe error : no network\n")) << failing;
+    EXPECT_EQ(field_.GetSubscriptionState(), State::kNotSubscribed) << failing;
+    EXPECT_THAT(states_, ElementsAre(State::kSubscriptionPending, State::kNotSubscribed)) << failing;
+    EXPECT_EQ(application_.CountLeftovers(), before) << failing;
+  }
   application_.on_call = nullptr;
   field_.Subscribe(1);
   application_.Deliver(NotificationOf(1));
-  EXPECT_THAT(Fetch(), ElementsAre(1)) << "a later attempt works";
+  EXPECT_THAT(Fetch(field_), ElementsAre(1)) << "a later attempt works";
+}
+
+TEST_F(EventTest, AStackThatFailsToEndASubscriptionIsToldTheRest) {
+  for (const char* const failing : {"unregister_subscription", "unsubscribe", "release", "unregister_message"}) {
+    field_.Subscribe(1);
+    application_.TakeCalls();
+    application_.on_call = [failing](const std::string& call) {
+      if (call.rfind(failing, 0) == 0) {
+        throw std::runtime_error("no network");
+      }
+    };
+    testing::internal::CaptureStderr();
+    field_.Unsubscribe();
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("fails to end a subscription: no network\n"));
+    EXPECT_EQ(application_.TakeCalls().size(), 3U) << failing;
+    EXPECT_EQ(field_.GetSubscriptionState(), State::kNotSubscribed);
+    application_.on_call = nullptr;
+  }
+  field_.Subscribe(1);
+  field_.Unsubscribe();
 }
 
 TEST_F(EventTest, DeliversOldestFirstAndDropsTheOldestWhenFull) {
-  field_.Subscribe(2);
-  for (const unsigned number : {1U, 2U, 3U}) {
+  field_.Subscribe(3);
+  for (const unsigned number : {1U, 2U, 3U, 4U}) {
     application_.Deliver(NotificationOf(number));
   }
-  EXPECT_THAT(Fetch(1), ElementsAre(2));
-  EXPECT_THAT(Fetch(), ElementsAre(3));
-  EXPECT_THAT(Fetch(), ElementsAre());
+  EXPECT_THAT(Fetch(field_, 1), ElementsAre(2));
+  application_.Deliver(NotificationOf(5));
+  field_.Subscribe(2);
+  EXPECT_THAT(Fetch(field_), ElementsAre(4, 5)) << "a smaller cache drops its oldest, too";
+  EXPECT_THAT(Fetch(field_), ElementsAre());
+  application_.Deliver(NotificationOf(6));
+  field_.Unsubscribe();
+  field_.Subscribe(1);
+  EXPECT_THAT(Fetch(field_), ElementsAre()) << "what was not fetched went with its subscription";
 }
 
 TEST_F(EventTest, HeldSamplesBoundWhatCanBeDelivered) {
@@ -94,42 +160,47 @@ TEST_F(EventTest, HeldSamplesBoundWhatCanBeDelivered) {
   EXPECT_EQ(field_.GetNewSamples(hold).value(), 1U) << "one slot was free";
   EXPECT_EQ(field_.GetFreeSampleCount(), 0U);
   EXPECT_EQ(field_.GetNewSamples(hold).error(), MakeErrorCode(ara::com::ComErrc::kMaxSamplesExceeded));
-  held.erase(held.begin());
-  EXPECT_EQ(field_.GetNewSamples(hold).value(), 1U) << "what could not be delivered was kept";
-  EXPECT_EQ(held.back()->at(0).member0, 3U);
+  for (unsigned number = 3; number < 8; ++number) {  // slots go round
+    held.erase(held.begin());
+    EXPECT_EQ(field_.GetNewSamples(hold).value(), 1U) << "what could not be delivered was kept";
+    EXPECT_EQ(held.front()->at(0).member0, number - 1);
+    EXPECT_EQ(held.back()->at(0).member0, number);
+    application_.Deliver(NotificationOf(number + 1));
+  }
 }
 
 TEST_F(EventTest, SamplesOutliveTheSubscriptionAndTheEvent) {
-  auto doomed = std::make_unique<EnergySystemImpl>(8);
-  auto& field = doomed->Getnotifications();
   SamplePtr<const Value> kept;
-  field.Subscribe(1);
-  application_.Deliver(support::Notification(kService, 8, kEvent, 4, ValueOf(1)));
-  field.GetNewSamples([&](SamplePtr<const Value> sample) { kept = std::move(sample); });
-  field.Unsubscribe();
-  field.Subscribe(1);
-  EXPECT_EQ(field.GetFreeSampleCount(), 1U) << "a new subscription has a cache of its own";
-  application_.Deliver(support::Notification(kService, 8, kEvent, 4, ValueOf(2)));
-  EXPECT_THAT(FetchFrom(field), ElementsAre(2));
-  doomed.reset();
+  field_.Subscribe(1);
+  application_.Deliver(NotificationOf(1));
+  field_.GetNewSamples([&](SamplePtr<const Value> sample) { kept = std::move(sample); });
+  field_.Unsubscribe();
+  field_.Subscribe(1);
+  EXPECT_EQ(field_.GetFreeSampleCount(), 1U) << "a new subscription has a cache of its own";
+  application_.Deliver(NotificationOf(2));
+  EXPECT_THAT(Fetch(field_), ElementsAre(2));
+  binding_.reset();
   EXPECT_EQ(kept->at(0).member0, 1U);
 }
 
 TEST_F(EventTest, ReportsTheCheckOfEachMessageAndOfNone) {
+  EXPECT_EQ(field_.GetFreeSampleCount(), 0U);
+  EXPECT_THAT(Fetch(field_), ElementsAre()) << "never subscribed";
   field_.Subscribe(3);
-  EXPECT_THAT(Fetch(), ElementsAre());
   EXPECT_EQ(field_.DoCheckResult().status, ProfileCheckStatus::kNoNewData);
   const auto damaged = NotificationOf(1);
-  damaged->set_check_result(0);
+  damaged->set_check_result(1);
   application_.Deliver(damaged);
-  EXPECT_EQ(field_.DoCheckResult().status, ProfileCheckStatus::kNoNewData) << "only taking a message counts";
-  ProfileCheckStatus status = ProfileCheckStatus::kOk;
-  field_.GetNewSamples([&](SamplePtr<const Value> sample) { status = sample.GetProfileCheckStatus(); });
-  EXPECT_EQ(status, damaged->is_valid_crc() ? ProfileCheckStatus::kOk : ProfileCheckStatus::kError);
-  EXPECT_EQ(field_.DoCheckResult().status, status);
   application_.Deliver(NotificationOf(2));
-  Fetch();
-  EXPECT_EQ(field_.DoCheckResult().status, ProfileCheckStatus::kOk);
+  EXPECT_EQ(field_.DoCheckResult().status, ProfileCheckStatus::kNoNewData) << "only taking a message counts";
+  for (const auto wanted : {ProfileCheckStatus::kError, ProfileCheckStatus::kOk}) {
+    auto status = ProfileCheckStatus::kNotAvailable;
+    field_.GetNewSamples([&](SamplePtr<const Value> sample) { status = sample.GetProfileCheckStatus(); }, 1);
+    EXPECT_EQ(status, wanted);
+    EXPECT_EQ(field_.DoCheckResult().status, wanted);
+  }
+  Fetch(field_);
+  EXPECT_EQ(field_.DoCheckResult().status, ProfileCheckStatus::kNoNewData);
 }
 
 TEST_F(EventTest, RefusesWhatIsNoNotificationOfThisEvent) {
@@ -142,13 +213,15 @@ TEST_F(EventTest, RefusesWhatIsNoNotificationOfThisEvent) {
   wrongType->set_message_type(::vsomeip::message_type_e::MT_RESPONSE);
   testing::internal::CaptureStderr();
   application_.Deliver(foreignClient);
-  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("Incorrect client id: '5', should be 0\n"));
+  EXPECT_THAT(testing::internal::GetCapturedStderr(),
+              ::testing::AllOf(HasSubstr("Incorrect client id: '5', should be 0\n"),
+                               HasSubstr("Discarding invalid message\n")));
   for (const auto& message : {wrongVersion, wrongType}) {
     testing::internal::CaptureStderr();
     application_.Deliver(message);
     EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("Discarding invalid message\n"));
   }
-  EXPECT_THAT(Fetch(), ElementsAre());
+  EXPECT_THAT(Fetch(field_), ElementsAre());
 }
 
 TEST_F(EventTest, GoesOnAfterAnUndecodableMessage) {
@@ -157,80 +230,57 @@ TEST_F(EventTest, GoesOnAfterAnUndecodableMessage) {
   application_.Deliver(support::Notification(kService, kInstance, kEvent, 4, "000000"));
   application_.Deliver(NotificationOf(3));
   testing::internal::CaptureStderr();
-  EXPECT_THAT(Fetch(), ElementsAre(1, 3));
+  EXPECT_THAT(Fetch(field_), ElementsAre(1, 3));
   EXPECT_THAT(testing::internal::GetCapturedStderr(),
               HasSubstr("(Exception : proxy/vsomeip_event_impl.h) GetNewSamples() deserializer error : "
                         "Deserialization of ara::core::Vector<T> failed, insufficient data.\n"));
   EXPECT_EQ(field_.GetFreeSampleCount(), 5U) << "its slot went back";
 }
 
-TEST_F(EventTest, CallsTheReceiveHandlerUntilItIsTakenBack) {
-  int calls = 0;
-  field_.SetReceiveHandler([&] {
-    ++calls;
-    Fetch();  // may call back
-  });
+// A stack looks the handler up when something arrives, and calls it later.
+TEST_F(EventTest, WhatTheStackHadQueuedForAnEarlierSubscriptionIsDropped) {
   field_.Subscribe(1);
-  application_.Deliver(NotificationOf(1));
-  field_.UnsetReceiveHandler();
-  application_.Deliver(NotificationOf(2));
-  EXPECT_EQ(calls, 1);
-  EXPECT_THAT(Fetch(), ElementsAre(2));
-}
-
-TEST_F(EventTest, BothEdgesOfALostServiceAreReported) {
-  field_.Subscribe(1);
-  Acknowledge();
-  std::vector<SubscriptionState> states;
-  field_.SetSubscriptionStateChangeHandler([&](SubscriptionState state) { states.push_back(state); });
-  application_.ReportAvailability(kService, kInstance, true);
-  application_.ReportAvailability(kService, kInstance, false);
-  application_.ReportAvailability(kService, kInstance, true);
-  Acknowledge();
-  EXPECT_THAT(states, ElementsAre(SubscriptionState::kSubscriptionPending, SubscriptionState::kSubscribed));
-  application_.ReportStatus(kService, kInstance, kEvent, 7);
-  EXPECT_EQ(field_.GetSubscriptionState(), SubscriptionState::kNotSubscribed);
-}
-
-TEST_F(EventTest, TwoBindingsOfOneInstanceShareASubscription) {
-  EnergySystemImpl other(kInstance);
-  auto& otherField = other.Getnotifications();
-  field_.Subscribe(2);
-  Acknowledge();
-  application_.Deliver(NotificationOf(1));
-  application_.TakeCalls();
-
-  int received = 0;
-  std::vector<SubscriptionState> states;
-  otherField.SetReceiveHandler([&] { ++received; });
-  otherField.SetSubscriptionStateChangeHandler([&](SubscriptionState state) { states.push_back(state); });
-  otherField.Subscribe(2);
-  EXPECT_THAT(application_.TakeCalls(), ElementsAre());
-  EXPECT_THAT(states, ElementsAre(SubscriptionState::kSubscriptionPending, SubscriptionState::kSubscribed));
-  EXPECT_EQ(received, 1) << "the value as it stands comes at once";
-  application_.Deliver(NotificationOf(2));
+  const auto message = application_.Arrive(NotificationOf(1));
+  const auto accepted = application_.ArriveStatus(kService, kInstance, kEvent, kAccepted);
+  const auto lost = application_.ArriveAvailability(kService, kInstance, false);
   field_.Unsubscribe();
-  EXPECT_THAT(application_.TakeCalls(), ElementsAre()) << "the other one goes on";
-  application_.Deliver(NotificationOf(3));
-  EXPECT_THAT(FetchFrom(otherField), ElementsAre(2, 3));
-  EXPECT_THAT(Fetch(), ElementsAre());
+  message();
+  accepted();
+  EXPECT_EQ(field_.GetSubscriptionState(), State::kNotSubscribed);
+  field_.Subscribe(1);
+  message();
+  accepted();
+  EXPECT_EQ(field_.GetSubscriptionState(), State::kSubscriptionPending);
+  EXPECT_THAT(Fetch(field_), ElementsAre());
+  Report(kAccepted);
+  lost();
+  EXPECT_TRUE(field_.IsSubscribed());
+  binding_.reset();
+  message();
+  accepted();
+  lost();
 }
 
-TEST_F(EventTest, AHandlerMayEndItsOwnSubscription) {
-  field_.SetReceiveHandler([&] { field_.Unsubscribe(); });
-  field_.Subscribe(1);
-  application_.Deliver(NotificationOf(1));
-  EXPECT_EQ(field_.GetSubscriptionState(), SubscriptionState::kNotSubscribed);
-
-  field_.SetSubscriptionStateChangeHandler([&](SubscriptionState state) {
-    if (state == SubscriptionState::kSubscriptionPending) {
-      field_.Unsubscribe();
+// A slow stack holds up who subscribes, and nobody else.
+TEST_F(EventTest, ASubscriptionUnderWayStallsNoOtherField) {
+  std::promise<void> entered;
+  std::promise<void> go;
+  application_.on_call = [&](const std::string& call) {
+    if (call == "subscribe 6005 7 c010 4 c010") {
+      entered.set_value();
+      go.get_future().wait();
     }
-  });
-  application_.TakeCalls();
-  field_.Subscribe(1);
-  EXPECT_THAT(application_.TakeCalls(), ElementsAre());
-  EXPECT_EQ(field_.GetSubscriptionState(), SubscriptionState::kNotSubscribed);
+  };
+  std::thread slow([&] { field_.Subscribe(1); });
+  entered.get_future().wait();
+  EXPECT_EQ(field_.GetSubscriptionState(), State::kSubscriptionPending);
+  application_.Deliver(NotificationOf(1));
+  EnergySystemImpl other(8);
+  other.Getnotifications().Subscribe(1);
+  binding_->GetlowVoltageBatteries().Subscribe(1);
+  binding_->GetlowVoltageBatteries().Unsubscribe();
+  go.set_value();
+  slow.join();
 }
 
 }  // namespace

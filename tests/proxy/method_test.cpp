@@ -16,7 +16,7 @@ class MethodTest : public BoundProxyTest {};
 TEST_F(MethodTest, AGetterSendsAnEmptyRequestAndYieldsTheValue) {
   application_.TakeCalls();
   auto future = binding_->Getnotifications().Get();
-  EXPECT_THAT(application_.TakeCalls(), ::testing::ElementsAre("send 6005 7 4010 4"));
+  EXPECT_THAT(application_.TakeCalls(), ::testing::ElementsAre("send 6005 7 4010 4 1"));
   const auto request = TakeRequest();
   EXPECT_EQ(request->get_message_type(), message_type_e::MT_REQUEST);
   EXPECT_FALSE(request->is_reliable());
@@ -50,6 +50,37 @@ TEST_F(MethodTest, ResponsesFindTheirCallsInAnyOrder) {
   application_.Deliver(support::ResponseTo(firstRequest, ValueOf(1)));
   EXPECT_EQ(first.get().at(0).member0, 1U);
   EXPECT_EQ(second.get().at(0).member0, 2U);
+}
+
+TEST_F(MethodTest, SessionIdsCountFromOneAndWrapToZero) {
+  application_.TakeCalls();
+  for (unsigned call = 1; call <= 0x10001; ++call) {
+    binding_->Getnotifications().Get();
+    if (call == 1 || call == 0xFFFF || call == 0x10000 || call == 0x10001) {
+      char line[40];
+      std::snprintf(line, sizeof(line), "send 6005 7 4010 4 %x", call % 0x10000);
+      EXPECT_EQ(application_.TakeCalls().back(), line);
+    }
+  }
+}
+
+// After 65,536 calls the stack's request ids come around. A call that still waits then cannot be told from the new one.
+TEST_F(MethodTest, ACallWhoseRequestIdComesAroundFails) {
+  auto& field = binding_->Getnotifications();
+  application_.next_session = 5;
+  auto older = field.Get();
+  const auto request = TakeRequest();
+  bool told = false;
+  older.then([&] { told = true; });
+  application_.next_session = 5;
+  testing::internal::CaptureStderr();
+  auto newer = field.Get();
+  EXPECT_THAT(testing::internal::GetCapturedStderr(),
+              HasSubstr("Request id 305397765 has come around: the older call is given up\n"));
+  EXPECT_TRUE(told);
+  EXPECT_EQ(older.GetResult().error(), MakeErrorCode(ComErrc::kNetworkBindingFailure));
+  application_.Deliver(support::ResponseTo(request, kFortyTwo));
+  EXPECT_EQ(newer.get().at(0).member0, 42U);
 }
 
 TEST_F(MethodTest, TwoBindingsOfOneInstanceGetTheirOwnResponses) {

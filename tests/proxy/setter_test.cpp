@@ -22,7 +22,7 @@ TEST_F(SetterTest, SendsTheValueAndYieldsWhatTheServiceReportsBack) {
   wanted[0].member6 = true;
   application_.TakeCalls();
   auto future = field.Set(wanted);
-  EXPECT_THAT(application_.TakeCalls(), ElementsAre("send 60e8 7 4011 2"));
+  EXPECT_THAT(application_.TakeCalls(), ElementsAre("send 60e8 7 4011 2 1"));
   const auto request = TakeRequest();
   const auto payload = request->get_payload();
   EXPECT_EQ(std::vector<unsigned char>(payload->get_data(), payload->get_data() + payload->get_length()),

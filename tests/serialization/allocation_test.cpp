@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "ara/com/internal/proxy/event_data_container.h"
 #include "serialization/deserializer.h"
 #include "serialization/serializer.h"
 #include "tests/serialization/sample_records.h"
@@ -60,6 +61,20 @@ TEST(Codec, AllocatesOnlyWhatTheValueIsMadeOf) {
               EXPECT_EQ(decoded.size(), value.size());
             }),
             1 + 3 * kPerRecord);
+}
+
+// Giving a slot back is noexcept, so it must not need memory.
+TEST(SampleCache, AllocatesNothingOnceItIsMade) {
+  using Cache = ara::com::internal::proxy::EventDataContainer<int>;
+  const auto cache = std::make_shared<Cache>(3);
+  EXPECT_EQ(AllocationsOf([&] {
+              for (int round = 0; round < 1000; ++round) {
+                const auto one = Cache::Add(cache->Reserve(), round, ara::com::e2exf::ProfileCheckStatus::kOk);
+                const auto other = cache->Reserve();
+              }
+            }),
+            0U);
+  EXPECT_EQ(cache->GetFreeSampleCount(), 3U);
 }
 
 }  // namespace

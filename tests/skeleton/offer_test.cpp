@@ -119,7 +119,7 @@ TEST_F(OfferTest, UndoesAnOfferThatFailsAtAnyStep) {
     };
     EXPECT_THROW(skeleton_->OfferService(), std::runtime_error) << failing;
     application_.on_call = nullptr;
-    EXPECT_EQ(application_.HandlerCount(), 0U) << failing;
+    EXPECT_EQ(application_.CountLeftovers(), 0U) << failing;
     application_.TakeCalls();
     skeleton_->rwmStatus.Update(StatusOf(2));
     EXPECT_THAT(application_.TakeCalls(), ElementsAre()) << "no binding is left attached: " << failing;
@@ -192,7 +192,7 @@ TEST_F(OfferTest, AThousandRoundsLeaveNothingBehind) {
   for (int round = 0; round < 1000; ++round) {
     skeleton_->OfferService();
     skeleton_->StopOfferService();
-    ASSERT_EQ(application_.HandlerCount(), 0U);
+    ASSERT_EQ(application_.CountLeftovers(), 0U);
   }
   application_.TakeCalls();
   skeleton_->rwmStatus.Update({});

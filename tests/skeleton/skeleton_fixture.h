@@ -39,7 +39,7 @@ class SkeletonTest : public ::testing::Test {
     skeleton_.reset();
     application_.on_call = nullptr;
     application_.on_send = nullptr;
-    EXPECT_EQ(application_.HandlerCount(), 0U) << "everything that was registered is unregistered";
+    EXPECT_EQ(application_.CountLeftovers(), 0U) << "everything that was asked for is given back";
   }
 
   static void SetAllFields(RouteBasedEnergyContentsSkeleton& skeleton) {

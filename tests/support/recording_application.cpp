@@ -31,35 +31,47 @@ class Recorder final : public RecordingApplication {
 
   void offer_service(service_t service, instance_t instance, major_version_t major, minor_version_t minor) override {
     Write("offer_service", service, instance, major, minor);
+    Note(offered_, {service, instance, 0});
   }
   void stop_offer_service(service_t service, instance_t instance, major_version_t, minor_version_t) override {
     Write("stop_offer_service", service, instance);
+    Forget(offered_, {service, instance, 0});
   }
   void offer_event(service_t service, instance_t instance, event_t event, const std::set<eventgroup_t>& groups,
                    event_type_e type, Milliseconds cycle, bool, bool, const epsilon_change_func_t&,
                    reliability_type_e) override {
     Write("offer_event", service, instance, event, *groups.begin(), groups.size(), type, cycle.count());
+    Note(offered_, {service, instance, event});
   }
   void stop_offer_event(service_t service, instance_t instance, event_t event) override {
     Write("stop_offer_event", service, instance, event);
+    Forget(offered_, {service, instance, event});
   }
   void request_service(service_t service, instance_t instance, major_version_t major, minor_version_t) override {
     Write("request_service", service, instance, major);
+    Note(requested_, {service, instance, 0});
   }
-  void release_service(service_t service, instance_t instance) override { Write("release_service", service, instance); }
+  void release_service(service_t service, instance_t instance) override {
+    Write("release_service", service, instance);
+    Forget(requested_, {service, instance, 0});
+  }
   void request_event(service_t service, instance_t instance, event_t event, const std::set<eventgroup_t>& groups,
                      event_type_e type, reliability_type_e) override {
     Write("request_event", service, instance, event, *groups.begin(), groups.size(), type);
+    Note(requested_, {service, instance, event});
   }
   void release_event(service_t service, instance_t instance, event_t event) override {
     Write("release_event", service, instance, event);
+    Forget(requested_, {service, instance, event});
   }
   void subscribe(service_t service, instance_t instance, eventgroup_t group, major_version_t major,
                  event_t event) override {
     Write("subscribe", service, instance, group, major, event);
+    Note(subscribed_, {service, instance, group});
   }
   void unsubscribe(service_t service, instance_t instance, eventgroup_t group) override {
     Write("unsubscribe", service, instance, group);
+    Forget(subscribed_, {service, instance, group});
   }
   void unsubscribe(service_t service, instance_t instance, eventgroup_t group, event_t event) override {
     Write("unsubscribe", service, instance, group, event);
@@ -70,11 +82,11 @@ class Recorder final : public RecordingApplication {
   void notify_one(service_t, instance_t, event_t, Payload, client_t, bool) const override {}
   void send(Message message) override {
     Write("send", message->get_service(), message->get_instance(), message->get_method(),
-          message->get_interface_version());
+          message->get_interface_version(), message->get_session());
     {
       const std::lock_guard<std::mutex> lock(mutex_);
       message->set_client(kClient);
-      message->set_session(++session_);
+      message->set_session(next_session++);
       sent_.push_back(message);
     }
     if (on_send) on_send(message);
@@ -97,14 +109,16 @@ class Recorder final : public RecordingApplication {
     Set(availability_handlers_, {service, instance, 0}, nullptr);
   }
   void register_subscription_status_handler(service_t service, instance_t instance, eventgroup_t group, event_t event,
-                                            subscription_status_handler_t handler, bool) override {
+                                            subscription_status_handler_t handler, bool is_selective) override {
     Write("register_subscription_status_handler", service, instance, group, event);
-    Set(status_handlers_, {service, instance, event}, handler);
+    const std::lock_guard<std::mutex> lock(mutex_);
+    status_handlers_[{service, instance, event}] = {std::move(handler), is_selective};
   }
   void unregister_subscription_status_handler(service_t service, instance_t instance, eventgroup_t group,
                                               event_t event) override {
     Write("unregister_subscription_status_handler", service, instance, group, event);
-    Set(status_handlers_, {service, instance, event}, nullptr);
+    const std::lock_guard<std::mutex> lock(mutex_);
+    status_handlers_.erase({service, instance, event});
   }
 
  private:
@@ -124,8 +138,16 @@ class Recorder final : public RecordingApplication {
     if (handler) handlers.emplace(key, handler);
   }
 
+  void Note(std::set<Key>& keys, const Key& key) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    keys.insert(key);
+  }
+  void Forget(std::set<Key>& keys, const Key& key) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    keys.erase(key);
+  }
+
   const std::string name_ = "recording";
-  session_t session_ = 0x00FF;
 };
 
 std::shared_ptr<Recorder> TheApplication() {
@@ -157,17 +179,6 @@ class RecordingRuntime final : public runtime {
   const std::shared_ptr<runtime> real_ = reinterpret_cast<Get>(dlsym(RTLD_NEXT, "_ZN10vsomeip_v37runtime3getEv"))();
 };
 
-// Calls the handler of a key, if there is one, without the lock.
-template <typename Handler, typename Key, typename... Arguments>
-void Call(std::mutex& mutex, const std::map<Key, Handler>& handlers, const Key& key, const Arguments&... arguments) {
-  std::unique_lock<std::mutex> lock(mutex);
-  const auto found = handlers.find(key);
-  if (found == handlers.end()) return;
-  const Handler handler = found->second;
-  lock.unlock();
-  handler(arguments...);
-}
-
 }  // namespace
 
 RecordingApplication& RecordingApplication::Get() { return *TheApplication(); }
@@ -182,23 +193,40 @@ std::vector<Message> RecordingApplication::TakeSent() {
   return std::exchange(sent_, {});
 }
 
-std::size_t RecordingApplication::HandlerCount() const {
+std::size_t RecordingApplication::CountLeftovers() const {
   const std::lock_guard<std::mutex> lock(mutex_);
-  return message_handlers_.size() + status_handlers_.size() + availability_handlers_.size();
+  return message_handlers_.size() + status_handlers_.size() + availability_handlers_.size() + requested_.size() +
+         subscribed_.size() + offered_.size();
 }
 
-void RecordingApplication::Deliver(const Message& message) const {
+RecordingApplication::Call RecordingApplication::Arrive(const Message& message) const {
   const Key key{message->get_service(), message->get_instance(), message->get_method()};
-  Call(mutex_, message_handlers_, key, message);
+  constexpr method_t kEventBit = 0x8000;
+  const bool is_event = (message->get_method() & kEventBit) != 0;
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (is_event && (subscribed_.count(key) == 0 || requested_.count(key) == 0)) return nullptr;
+  const auto found = message_handlers_.find(key);
+  if (found == message_handlers_.end()) return nullptr;
+  return [handler = found->second, message] { handler(message); };
 }
 
-void RecordingApplication::ReportStatus(service_t service, instance_t instance, event_t event,
-                                        std::uint16_t status) const {
-  Call(mutex_, status_handlers_, Key{service, instance, event}, service, instance, event, event, status);
+RecordingApplication::Call RecordingApplication::ArriveStatus(service_t service, instance_t instance, event_t event,
+                                                              std::uint16_t status) const {
+  const Key key{service, instance, event};
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const auto found = status_handlers_.find(key);
+  if (subscribed_.count(key) == 0 || found == status_handlers_.end()) return nullptr;
+  if (status != 0 && !found->second.hears_of_rejections) return nullptr;
+  return [=, handler = found->second.handler] { handler(service, instance, event, event, status); };
 }
 
-void RecordingApplication::ReportAvailability(service_t service, instance_t instance, bool available) const {
-  Call(mutex_, availability_handlers_, Key{service, instance, 0}, service, instance, available);
+RecordingApplication::Call RecordingApplication::ArriveAvailability(service_t service, instance_t instance,
+                                                                    bool available) const {
+  const Key key{service, instance, 0};
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const auto found = availability_handlers_.find(key);
+  if (requested_.count(key) == 0 || found == availability_handlers_.end()) return nullptr;
+  return [=, handler = found->second] { handler(service, instance, available); };
 }
 
 Message ResponseTo(const Message& request, const std::string& payload) {
