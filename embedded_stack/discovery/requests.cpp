@@ -88,10 +88,12 @@ void Requests::Vanish(const ServiceInstance& key, TimePoint now, DiscoveryOutput
 void Requests::Subscribe(const ServiceInstance& key, eventgroup_t eventgroup, major_version_t major, TimePoint now,
                          DiscoveryOutput& out) {
   const SubscriptionKey subscription_key{key.first, key.second, eventgroup};
-  const auto [position, is_new] = subscriptions_.try_emplace(subscription_key, Subscription{major});
+  const auto position = subscriptions_.try_emplace(subscription_key, Subscription{major}).first;
   position->second.major = major;
+  State& state = position->second.state;
+  if (state == State::kRejected) state = State::kIdle;  // who asks again is told again
   const Instance* instance = Find(key);
-  if (instance != nullptr && (is_new || position->second.state == State::kIdle) && instance->major == major) {
+  if (instance != nullptr && state == State::kIdle && instance->major == major) {
     SendSubscribe(subscription_key, position->second, *instance, now, out);
   }
 }

@@ -54,6 +54,7 @@ std::shared_ptr<::vsomeip::application> StackThread::Start() {
     const std::lock_guard<std::mutex> lock(mutex_);
     thread_ = std::thread([this, application] { Run(*application); });
     application_ = application;
+    is_started_ = true;
   }
   // Only now: what exits first was there last. So the stack's own static objects, which init() has made, are still
   // there when it is stopped, and static proxies made from here on have been destroyed before.
@@ -61,10 +62,7 @@ std::shared_ptr<::vsomeip::application> StackThread::Start() {
   return application;
 }
 
-std::shared_ptr<::vsomeip::application> StackThread::Started() {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  return application_;
-}
+std::shared_ptr<::vsomeip::application> StackThread::Started() const { return is_started_ ? application_ : nullptr; }
 
 void StackThread::Run(::vsomeip::application& application) {
   try {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
@@ -25,7 +26,7 @@ class StackThread {
 
  private:
   StackThread() = default;
-  std::shared_ptr<::vsomeip::application> Started();  // whether stopped since or not
+  std::shared_ptr<::vsomeip::application> Started() const;  // whether stopped since or not; takes no lock
   void Run(::vsomeip::application& application);
 
   // Guards starting_, and is held while the application is initialised. Recursive, because a stack that finds its
@@ -34,10 +35,11 @@ class StackThread {
   bool starting_ = false;
 
   std::mutex mutex_;  // guards the members below; taken after start_mutex_
-  std::shared_ptr<::vsomeip::application> application_;
+  std::shared_ptr<::vsomeip::application> application_;  // never changes once is_started_ is set
   bool stopped_ = false;
   bool finished_ = false;  // the thread has left the application
   std::condition_variable has_finished_;
+  std::atomic<bool> is_started_{false};  // read without the lock
   std::thread thread_;
 };
 

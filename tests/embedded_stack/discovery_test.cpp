@@ -299,10 +299,14 @@ TEST_F(RequestsTest, RejectedSubscriptionIsToldOnceAndTriedAgain) {
   EXPECT_EQ(Subscribe(), "");
   EXPECT_EQ(Subscribe(kGroup + 1, 4), "");  // in a version that is not offered
   EXPECT_EQ(Offer(), "+s1");
+  EXPECT_EQ(Subscribe(), "");  // under way
   EXPECT_EQ(Acknowledge(0), "r");
   EXPECT_EQ(Offer(), "s1");
   EXPECT_EQ(Acknowledge(0), "");
+  EXPECT_EQ(Subscribe(), "s1");  // who asks again gets an answer again
+  EXPECT_EQ(Acknowledge(0), "r");
   EXPECT_EQ(Acknowledge(), "a");
+  EXPECT_EQ(Subscribe(), "");
 }
 
 TEST_F(RequestsTest, ReleaseEndsTheSubscriptionQuietly) {

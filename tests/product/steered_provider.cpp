@@ -1,8 +1,11 @@
 // Offers one service straight on the stack's interface and does what its standard input says, a command a line:
-//   offer SERVICE INSTANCE MAJOR MINOR FIELD...   with FIELD the getter's method id; each field is a getter and an
-//   event set FIELD HEX      the field's value: answered to getters and notified fill FIELD COUNT   a value of COUNT
-//   records without members fail FIELD HEX     getters are answered with an error that carries these bytes withdraw
-//   takes the offer back; it can be offered again
+//   offer SERVICE INSTANCE MAJOR MINOR FIELD...   with FIELD the getter's method id; each field is a getter and an event
+//   set FIELD HEX      the field's value: answered to getters and notified
+//   fill FIELD COUNT   a value of COUNT records without members
+//   fail FIELD HEX     getters are answered with an error that carries these bytes
+//   withdraw           takes the offer back; it can be offered again
+//   refuse FIELD       refuses subscriptions of the field from now on
+//   accept FIELD       accepts them again
 // Numbers are hexadecimal. Each command is answered with a line "done". The end of the input ends the process.
 
 #include <cstdio>
@@ -44,6 +47,10 @@ class Provider {
       Offer(in);
     } else if (command == "withdraw") {
       application_->stop_offer_service(service_, instance_, major_, minor_);
+    } else if (command == "refuse" || command == "accept") {
+      vsomeip::method_t field = 0;
+      in >> field;
+      Refuse(static_cast<vsomeip::event_t>(field | 0x8000U), command == "refuse");
     } else if (command == "set" || command == "fail" || command == "fill") {
       vsomeip::method_t field = 0;
       std::string argument;
@@ -70,12 +77,32 @@ class Provider {
       const auto event = static_cast<vsomeip::event_t>(field | 0x8000U);
       application_->register_message_handler(
           service_, instance_, field, [this](const std::shared_ptr<vsomeip::message>& request) { Answer(request); });
-      application_->offer_event(service_, instance_, event, {event}, vsomeip::event_type_e::ET_FIELD,
-                                std::chrono::milliseconds::zero(), false, true, nullptr,
-                                vsomeip::reliability_type_e::RT_UNRELIABLE);
+      OfferEvent(event);
     }
     application_->offer_service(service_, instance_, major_, minor_);
   }
+
+  void OfferEvent(vsomeip::event_t event) {
+    application_->offer_event(service_, instance_, event, {event}, vsomeip::event_type_e::ET_FIELD,
+                              std::chrono::milliseconds::zero(), false, true, nullptr,
+                              vsomeip::reliability_type_e::RT_UNRELIABLE);
+  }
+
+#ifdef TARN7_WHOLE_VSOMEIP_INTERFACE
+  void Refuse(vsomeip::event_t event, bool isRefused) {
+    const vsomeip::subscription_handler_t handler = [isRefused](auto...) { return !isRefused; };
+    application_->register_subscription_handler(service_, instance_, event, handler);
+  }
+#else
+  // The embedded stack asks nobody: it refuses what is not offered.
+  void Refuse(vsomeip::event_t event, bool isRefused) {
+    if (isRefused) {
+      application_->stop_offer_event(service_, instance_, event);
+    } else {
+      OfferEvent(event);
+    }
+  }
+#endif
 
   void SetValue(vsomeip::method_t field, const std::vector<vsomeip::byte_t>& bytes, bool isError) {
     const auto payload = vsomeip::runtime::get()->create_payload(bytes);

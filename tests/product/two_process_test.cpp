@@ -154,6 +154,26 @@ TEST_F(TwoProcessTest, ReadsAndFollowsEveryField) {
   proxy.notifications.Unsubscribe();
   Follow(other);
   EXPECT_TRUE(numbers_.WaitFor(2)) << "a new subscription starts with the value as it stands";
+  proxy.notifications.UnsetSubscriptionStateChangeHandler();
+  Follow(proxy);
+  EXPECT_TRUE(numbers_.WaitFor(2)) << "also where another proxy is subscribed: its receive handler is told";
+  EXPECT_TRUE(states_.WaitFor(SubscriptionState::kSubscribed));
+}
+
+TEST_F(TwoProcessTest, ARefusedSubscriptionEndsNotSubscribedAndMayBeTriedAgain) {
+  provider_.Offer();
+  provider_.Process().Tell("refuse 4010");
+  EnergySystemProxy proxy(WaitForHandle());
+  Follow(proxy);
+  EXPECT_TRUE(states_.WaitFor(SubscriptionState::kNotSubscribed)) << "the refusal did not come";
+  proxy.notifications.Subscribe(10);
+  EXPECT_TRUE(states_.WaitFor(SubscriptionState::kSubscriptionPending));
+  EXPECT_TRUE(states_.WaitFor(SubscriptionState::kNotSubscribed)) << "the second refusal did not come";
+  provider_.Process().Tell("accept 4010");
+  provider_.SetNumber(5);
+  proxy.notifications.Subscribe(10);
+  EXPECT_TRUE(states_.WaitFor(SubscriptionState::kSubscribed));
+  EXPECT_TRUE(numbers_.WaitFor(5));
 }
 
 TEST_F(TwoProcessTest, DeliversTheProvidersError) {

@@ -35,35 +35,41 @@ void AddPayload(runtime::VSomeIPConnection& connection, ::vsomeip::message& mess
   message.set_payload(connection.MessageRuntime()->create_payload(bytes));
 }
 
-/// Completes a call with the value that a response carries, or with kNetworkBindingFailure where it cannot be decoded.
+/// The value that a response carries, or kNetworkBindingFailure where it cannot be decoded.
 template <typename R>
-void SetResult(ara::core::Promise<R>& promise, const ::vsomeip::message& response) {
-  ara::core::Result<R> result = MakeErrorCode(ComErrc::kNetworkBindingFailure);
+ara::core::Result<R> DecodeResult(const ::vsomeip::message& response) {
   try {
     const PayloadView payload(response);
-    result = common::DeserializeFieldValue<R>(payload.Data(), payload.Size());
+    return common::DeserializeFieldValue<R>(payload.Data(), payload.Size());
   } catch (const std::exception& error) {
     common::LogWarning(kDelegateSource, "SetResult", __LINE__)
         << "(Exception : proxy/vsomeip_method_impl_delegate.h) SetResult() deserializer error : " << error.what();
+    return MakeErrorCode(ComErrc::kNetworkBindingFailure);
   }
-  promise.SetResult(std::move(result));
 }
 
-/// Completes a call with the error code that a response carries, or with kNetworkBindingFailure where it cannot be
-/// decoded.
-template <typename R>
-void SetError(ara::core::Promise<R>& promise, const ::vsomeip::message& response) {
-  ara::core::ErrorCode code = MakeErrorCode(ComErrc::kNetworkBindingFailure);
+/// The error code that a response carries, or kNetworkBindingFailure where it cannot be decoded.
+inline ara::core::ErrorCode DecodeError(const ::vsomeip::message& response) {
   try {
     const PayloadView payload(response);
     const common::Deserializer<ara::core::ErrorCode> decoded(payload.Data(), payload.Size());
     const auto& domain = common::error_domains::Registry::getDomain(decoded.domainId());
-    code = ara::core::ErrorCode(decoded.value(), decoded.supportData(), domain);
+    return ara::core::ErrorCode(decoded.value(), decoded.supportData(), domain);
   } catch (const std::exception& error) {
     common::LogWarning(kDelegateSource, "SetError", __LINE__)
         << "(Exception : proxy/vsomeip_method_impl_delegate.h) SetError() deserializer error : " << error.what();
+    return MakeErrorCode(ComErrc::kNetworkBindingFailure);
   }
-  promise.SetError(ara::core::ErrorCode(code));
+}
+
+/// Complete a call from a response. The decoding is over before the promise is touched.
+template <typename R>
+void SetResult(ara::core::Promise<R>& promise, const ::vsomeip::message& response) {
+  promise.SetResult(DecodeResult<R>(response));
+}
+template <typename R>
+void SetError(ara::core::Promise<R>& promise, const ::vsomeip::message& response) {
+  promise.SetError(DecodeError(response));
 }
 
 }  // namespace detail
