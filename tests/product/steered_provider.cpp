@@ -90,7 +90,7 @@ class Provider {
 
 #ifdef TARN7_WHOLE_VSOMEIP_INTERFACE
   void Refuse(vsomeip::event_t event, bool isRefused) {
-    const vsomeip::subscription_handler_t handler = [isRefused](auto...) { return !isRefused; };
+    const vsomeip::subscription_handler_sec_t handler = [isRefused](auto...) { return !isRefused; };
     application_->register_subscription_handler(service_, instance_, event, handler);
   }
 #else

@@ -251,7 +251,7 @@ Message Notification(service_t service, instance_t instance, event_t event, std:
 
 // Takes the place of the stack's own function for the whole process.
 namespace vsomeip_v3 {
-std::shared_ptr<runtime> runtime::get() {
+__attribute__((visibility("default"))) std::shared_ptr<runtime> runtime::get() {
   static const auto instance = std::make_shared<support::RecordingRuntime>();
   return instance;
 }
