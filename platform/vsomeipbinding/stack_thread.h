@@ -34,7 +34,7 @@ class StackThread {
   std::recursive_mutex start_mutex_;
   bool starting_ = false;
 
-  std::mutex mutex_;  // guards the members below; taken after start_mutex_
+  std::mutex mutex_;                                     // guards the members below; taken after start_mutex_
   std::shared_ptr<::vsomeip::application> application_;  // never changes once is_started_ is set
   bool stopped_ = false;
   bool finished_ = false;  // the thread has left the application

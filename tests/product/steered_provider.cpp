@@ -1,10 +1,8 @@
 // Offers one service straight on the stack's interface and does what its standard input says, a command a line:
-//   offer SERVICE INSTANCE MAJOR MINOR FIELD...   with FIELD the getter's method id; each field is a getter and an event
-//   set FIELD HEX      the field's value: answered to getters and notified
-//   fill FIELD COUNT   a value of COUNT records without members
-//   fail FIELD HEX     getters are answered with an error that carries these bytes
-//   withdraw           takes the offer back; it can be offered again
-//   refuse FIELD       refuses subscriptions of the field from now on
+//   offer SERVICE INSTANCE MAJOR MINOR FIELD...   with FIELD the getter's method id; each field is a getter and an
+//   event set FIELD HEX      the field's value: answered to getters and notified fill FIELD COUNT   a value of COUNT
+//   records without members fail FIELD HEX     getters are answered with an error that carries these bytes withdraw
+//   takes the offer back; it can be offered again refuse FIELD       refuses subscriptions of the field from now on
 //   accept FIELD       accepts them again
 // Numbers are hexadecimal. Each command is answered with a line "done". The end of the input ends the process.
 

@@ -291,9 +291,8 @@ TEST_F(EventHandlersTest, AHandlerIsDestroyedWithoutALock) {
     field_.SetReceiveHandler([object = std::make_shared<CallsBack>(CallsBack{field_})] {});
     field_.SetSubscriptionStateChangeHandler([object = std::make_shared<CallsBack>(CallsBack{field_})](State) {});
   }
-  field_.SetReceiveHandler([&, object = std::make_shared<CallsBack>(CallsBack{field_})] {
-    field_.UnsetReceiveHandler();
-  });
+  field_.SetReceiveHandler(
+      [&, object = std::make_shared<CallsBack>(CallsBack{field_})] { field_.UnsetReceiveHandler(); });
   field_.Subscribe(1);
   application_.Deliver(NotificationOf(1));
 }

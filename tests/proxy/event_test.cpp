@@ -13,10 +13,10 @@ using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
 using State = SubscriptionState;
 
-const std::vector<std::string> kSubscribing = {
-    "register_message_handler 6005 7 c010", "request_event 6005 7 c010 c010 1 0",
-    "register_subscription_status_handler 6005 7 c010 c010", "subscribe 6005 7 c010 4 c010",
-    "register_message_handler 6005 7 c010"};
+const std::vector<std::string> kSubscribing = {"register_message_handler 6005 7 c010",
+                                               "request_event 6005 7 c010 c010 1 0",
+                                               "register_subscription_status_handler 6005 7 c010 c010",
+                                               "subscribe 6005 7 c010 4 c010", "register_message_handler 6005 7 c010"};
 
 class EventTest : public BoundProxyTest {
  protected:

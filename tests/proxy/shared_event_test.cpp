@@ -82,8 +82,8 @@ TEST_F(SharedEventTest, AValueWhoseProviderWentIsNotHandedOn) {
   };
   const auto reject = [this] { Report(kRejected); };
   const auto end = [this] { field_.Unsubscribe(); };
-  for (const std::function<void()>& loss : {std::function<void()>(lose), std::function<void()>(reject),
-                                            std::function<void()>(end)}) {
+  for (const std::function<void()>& loss :
+       {std::function<void()>(lose), std::function<void()>(reject), std::function<void()>(end)}) {
     field_.Subscribe(1);
     Report(kAccepted);
     application_.Deliver(NotificationOf(1));

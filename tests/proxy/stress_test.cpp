@@ -180,27 +180,25 @@ TEST_F(StressTest, EverythingAtOnce) {
   field.SetSubscriptionStateChangeHandler([&](SubscriptionState) { field.GetFreeSampleCount(); });
   {
     const Network network(application_);
-    std::array threads = {Repeat(LiveAndGo),
-                          Repeat(LiveUntilAHandlerEndsIt),
-                          Repeat([&](unsigned round) {
-                            field.SetReceiveHandler([&] {
-                              EXPECT_EQ(++inHandler, 1) << "calls of a receive handler overlap";
-                              field.GetNewSamples([&](SamplePtr<const Value>) { ++seen; });
-                              --inHandler;
-                            });
-                            field.Subscribe(1 + round % 3);
-                            if (round % 7 == 0) {
-                              field.Unsubscribe();
-                            }
-                          }),
-                          Repeat([&](unsigned round) {
-                            std::vector<SamplePtr<const Value>> held;
-                            field.GetNewSamples(
-                                [&](SamplePtr<const Value> sample) { held.push_back(std::move(sample)); });
-                            if (round % 11 == 0) {
-                              field.Subscribe(2);
-                            }
-                          })};
+    std::array threads = {
+        Repeat(LiveAndGo), Repeat(LiveUntilAHandlerEndsIt), Repeat([&](unsigned round) {
+          field.SetReceiveHandler([&] {
+            EXPECT_EQ(++inHandler, 1) << "calls of a receive handler overlap";
+            field.GetNewSamples([&](SamplePtr<const Value>) { ++seen; });
+            --inHandler;
+          });
+          field.Subscribe(1 + round % 3);
+          if (round % 7 == 0) {
+            field.Unsubscribe();
+          }
+        }),
+        Repeat([&](unsigned round) {
+          std::vector<SamplePtr<const Value>> held;
+          field.GetNewSamples([&](SamplePtr<const Value> sample) { held.push_back(std::move(sample)); });
+          if (round % 11 == 0) {
+            field.Subscribe(2);
+          }
+        })};
     for (auto& thread : threads) {
       thread.join();
     }

@@ -42,8 +42,7 @@ class RestOfApplication : public vsomeip::application {
   void register_reboot_notification_handler(const vsomeip::reboot_notification_handler_t&) override {}
   void register_routing_ready_handler(const vsomeip::routing_ready_handler_t&) override {}
   void register_routing_state_handler(const vsomeip::routing_state_handler_t&) override {}
-  bool update_service_configuration(vsomeip::service_t, vsomeip::instance_t, std::uint16_t, bool, bool,
-                                    bool) override {
+  bool update_service_configuration(vsomeip::service_t, vsomeip::instance_t, std::uint16_t, bool, bool, bool) override {
     return false;
   }
   void update_security_policy_configuration(std::uint32_t, std::uint32_t, std::shared_ptr<vsomeip::policy>,
@@ -59,8 +58,7 @@ class RestOfApplication : public vsomeip::application {
                                      const vsomeip::availability_state_handler_t&, vsomeip::major_version_t,
                                      vsomeip::minor_version_t) override {}
   void register_message_handler_ext(vsomeip::service_t, vsomeip::instance_t, vsomeip::method_t,
-                                    const vsomeip::message_handler_t&,
-                                    vsomeip::handler_registration_type_e) override {}
+                                    const vsomeip::message_handler_t&, vsomeip::handler_registration_type_e) override {}
   std::shared_ptr<vsomeip::configuration> get_configuration() const override { return nullptr; }
   std::shared_ptr<vsomeip::policy_manager> get_policy_manager() const override { return nullptr; }
   vsomeip::connection_control_response_e change_connection_control(vsomeip::connection_control_request_e,

@@ -21,9 +21,9 @@ class EventBase {
 
   /// Asks the provider for notifications and keeps up to `cacheSize` (at least 1) of them, and as many samples, until
   /// they are fetched or given back. The newest data wins: a full cache drops its oldest notification. Where another
-  /// proxy of the process follows the event already, the latest value waits as soon as this returns; the receive handler
-  /// is told of it later, on its own thread. Errors are logged, not thrown. The subscription is restored by itself
-  /// after the provider was away. Calling it again asks again, and makes a cache of the new size.
+  /// proxy of the process follows the event already, the latest value waits as soon as this returns; the receive
+  /// handler is told of it later, on its own thread. Errors are logged, not thrown. The subscription is restored by
+  /// itself after the provider was away. Calling it again asks again, and makes a cache of the new size.
   virtual void Subscribe(std::size_t cacheSize) = 0;
   /// Ends the subscription and drops what was not fetched. Samples that are held stay valid. Takes the receive handler
   /// back.
@@ -37,9 +37,9 @@ class EventBase {
   /// calls never overlap, not even with themselves: while one runs, further ones wait, but no thread waits for them.
   virtual void SetReceiveHandler(std::function<void()> handler) = 0;
   virtual void UnsetReceiveHandler() = 0;
-  /// `handler` is called with each answer that the provider gives to a subscription, also when it equals the one before,
-  /// and with each change that has another reason, also from inside Subscribe and Unsubscribe. Its calls never overlap
-  /// and come in the order of the changes.
+  /// `handler` is called with each answer that the provider gives to a subscription, also when it equals the one
+  /// before, and with each change that has another reason, also from inside Subscribe and Unsubscribe. Its calls never
+  /// overlap and come in the order of the changes.
   virtual void SetSubscriptionStateChangeHandler(std::function<void(SubscriptionState)> handler) = 0;
   virtual void UnsetSubscriptionStateChangeHandler() = 0;
 

@@ -120,8 +120,8 @@ class EventImpl : public virtual internal::proxy::Event<T>, public ProxyImplBase
 };
 
 template <typename Descriptor, typename T>
-ara::core::Result<std::size_t> EventImpl<Descriptor, T>::GetNewSamples(
-    std::function<void(SamplePtr<const T>)> handler, std::size_t maxNumberOfSamples) {
+ara::core::Result<std::size_t> EventImpl<Descriptor, T>::GetNewSamples(std::function<void(SamplePtr<const T>)> handler,
+                                                                       std::size_t maxNumberOfSamples) {
   const auto subscription = subscription_;  // the handler may destroy this object
   const auto waiting = subscription->GetWaiting();
   const auto samples = std::static_pointer_cast<SampleCache>(waiting.slots);
