@@ -19,13 +19,24 @@ namespace {
 template <typename Value>
 class WaitingRequests {
  public:
-  /// Called by the stack, on its thread, for each request. The future stays open, and no thread waits for it.
+  /// Called by the stack for each request, on its thread, which waits for the future. So each must get its answer, and
+  /// soon.
   ara::core::Future<Value> Add() {
     const std::lock_guard<std::mutex> lock(mutex_);
+    if (!is_open_) {
+      return ara::core::Promise<Value>().get_future();  // its promise is gone: an error response
+    }
     return requests_.emplace_back().get_future();
   }
 
-  /// Called by the application. The answers go out from here.
+  /// Called by the application before the offer ends, which waits for the requests that wait here.
+  void Close() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    is_open_ = false;
+    requests_.clear();
+  }
+
+  /// Called by the application. Each answer goes out from the thread that waits for it.
   void AnswerAll(const Value& value) {
     std::deque<ara::core::Promise<Value>> requests;
     {
@@ -38,8 +49,9 @@ class WaitingRequests {
   }
 
  private:
+  std::mutex mutex_;  // guards the members below
   std::deque<ara::core::Promise<Value>> requests_;
-  std::mutex mutex_;  // guards the requests
+  bool is_open_ = true;
 };
 
 }  // namespace
@@ -66,4 +78,5 @@ int main(int argc, char** argv) {
     }
     requests.AnswerAll({DT_rangeOnRouteValues_struct{round, 300}});
   }
+  requests.Close();
 }

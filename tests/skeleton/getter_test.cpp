@@ -1,5 +1,10 @@
+#include <algorithm>
 #include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <deque>
 #include <future>
+#include <mutex>
 #include <thread>
 
 #include "core_types/com_error_domain.h"
@@ -88,34 +93,132 @@ TEST_F(GetterTest, AMissingOrThrowingHandlerIsAnErrorResponse) {
   EXPECT_THROW(field.handleGet(RequestTo(0x4010)), ara::com::IllegalStateException);
 }
 
-TEST_F(GetterTest, AFutureThatBecomesReadyLaterIsAnsweredThen) {
-  Promise<Status> promise;
-  skeleton_->rwmStatus.RegisterGetHandler([&] { return promise.get_future(); });
-  EXPECT_EQ(AnswerTo(RequestTo(0x4010)), nullptr);
-  promise.SetResult(StatusOf(3));
-  const auto sent = application_.TakeSent();
-  ASSERT_EQ(sent.size(), 1U);
-  EXPECT_EQ(PayloadOf(sent[0]), support::Bytes("0000000a 00000006 2000 00000003"));
+// The thread that brings the request waits for the future, whoever makes it ready and whenever.
+TEST_F(GetterTest, AFutureThatBecomesReadyLaterIsWaitedFor) {
+  std::thread worker;
+  skeleton_->rwmStatus.RegisterGetHandler([&] {
+    auto promise = std::make_shared<Promise<Status>>();
+    auto future = promise->get_future();
+    worker = std::thread([promise] { promise->SetResult(StatusOf(3)); });
+    return future;
+  });
+  const auto answer = AnswerTo(RequestTo(0x4010));
+  worker.join();
+  ASSERT_NE(answer, nullptr);
+  EXPECT_EQ(PayloadOf(answer), support::Bytes("0000000a 00000006 2000 00000003"));
 }
 
-TEST_F(GetterTest, AFutureThatIsNeverReadyHoldsNothingUp) {
-  std::vector<Promise<Status>> promises;
-  skeleton_->rwmStatus.RegisterGetHandler([&] {
-    promises.emplace_back();
-    return promises.back().get_future();
-  });
-  skeleton_->targetSocChargings.ServeCurrentValue();
-  testing::internal::CaptureStderr();
-  std::size_t refused = 0;
-  for (int i = 0; i < 1030; ++i) {
-    refused += AnswerTo(RequestTo(0x4010)) != nullptr ? 1U : 0U;
+// Whatever goes wrong is one error response and one line in the log.
+TEST_F(GetterTest, WhateverGoesWrongIsOneErrorResponseAndOneLine) {
+  struct Case {
+    const char* what;
+    ara::com::internal::skeleton::GetHandler<Status> handler;
+    const char* log;
+  };
+  const auto ready = [] {
+    Promise<Status> promise;
+    promise.SetResult(StatusOf(1));
+    return promise.get_future();
+  };
+  const Case cases[] = {
+      {"a promise that is dropped", [] { return Promise<Status>().get_future(); }, "broken promise"},
+      {"a future of nothing", [] { return Future<Status>(); }, "no state associated with this future"},
+      {"an exception", []() -> Future<Status> { throw std::runtime_error("no route"); }, "no route"},
+      {"something else that is thrown", []() -> Future<Status> { throw 1; }, "what was thrown is no exception"},
+      {"a stack that does not send", ready, "no network"},
+  };
+  for (const Case& test : cases) {
+    skeleton_->rwmStatus.RegisterGetHandler(test.handler);
+    bool fails = test.log == std::string("no network");
+    application_.on_call = [&](const std::string& call) {
+      if (call.rfind("send", 0) == 0 && std::exchange(fails, false)) {
+        throw std::runtime_error("no network");
+      }
+    };
+    testing::internal::CaptureStderr();
+    const auto answer = AnswerTo(RequestTo(0x4010));
+    const std::string log = testing::internal::GetCapturedStderr();
+    application_.on_call = nullptr;
+    ExpectError(answer, kBindingFailure);
+    EXPECT_THAT(log, HasSubstr(std::string("handleGet() error : "))) << test.what;
+    EXPECT_THAT(log, HasSubstr(std::string(test.log) + "\n")) << test.what;
+    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1) << log;
   }
-  EXPECT_EQ(refused, 6U) << "what waits is bounded";
-  testing::internal::GetCapturedStderr();
-  EXPECT_NE(AnswerTo(RequestTo(0x4050)), nullptr) << "other getters go on";
-  skeleton_.reset();
-  promises[0].SetResult(StatusOf(1));
-  EXPECT_TRUE(application_.TakeSent().empty()) << "nobody answers for a skeleton that is gone";
+  application_.on_call = [](const std::string& call) {
+    if (call.rfind("send", 0) == 0) {
+      throw std::runtime_error("no network at all");
+    }
+  };
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(AnswerTo(RequestTo(0x4010)), nullptr);
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("The error cannot be answered: no network at all\n"));
+}
+
+TEST_F(GetterTest, ARequestThatWantsNoAnswerGetsNone) {
+  const auto request = RequestTo(0x4010);
+  request->set_message_type(message_type_e::MT_REQUEST_NO_RETURN);
+  int calls = 0;
+  for (const bool works : {true, false}) {
+    skeleton_->rwmStatus.RegisterGetHandler([&calls, works] {
+      ++calls;
+      Promise<Status> promise;
+      if (works) {
+        promise.SetResult(StatusOf(1));
+      }
+      return promise.get_future();
+    });
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(AnswerTo(request), nullptr);
+    testing::internal::GetCapturedStderr();
+  }
+  EXPECT_EQ(calls, 2);
+}
+
+TEST_F(GetterTest, AHandlerMayEndItsOffer) {
+  for (const bool destroys : {false, true}) {
+    skeleton_->rwmStatus.RegisterGetHandler([this, destroys] {
+      skeleton_->StopOfferService();
+      if (destroys) {
+        skeleton_.reset();
+      }
+      Promise<Status> promise;
+      promise.SetResult(StatusOf(4));
+      return promise.get_future();
+    });
+    const auto answer = AnswerTo(RequestTo(0x4010));
+    ASSERT_NE(answer, nullptr);
+    EXPECT_EQ(PayloadOf(answer), support::Bytes("0000000a 00000006 2000 00000004"));
+    if (!destroys) {
+      skeleton_->OfferService();
+      application_.TakeSent();
+    }
+  }
+}
+
+// What a handler owns may use the field when it goes.
+TEST_F(GetterTest, AHandlerIsReplacedWithoutALock) {
+  struct CallsBack {
+    RouteBasedEnergyContentsSkeleton& skeleton;
+    ~CallsBack() {
+      skeleton.rwmStatus.Update(StatusOf(5));
+      skeleton.rwmStatus.RegisterGetHandler(nullptr);
+    }
+  };
+  skeleton_->rwmStatus.RegisterGetHandler(
+      [object = std::make_shared<CallsBack>(CallsBack{*skeleton_})] { return Promise<Status>().get_future(); });
+  skeleton_->rwmStatus.ServeCurrentValue();
+  application_.TakeCalls();
+}
+
+// A request that comes while its offer ends is not told that nobody has registered a handler.
+TEST_F(GetterTest, ARequestDuringTheEndOfItsOfferIsNotAnswered) {
+  using namespace kro::services::routebasedenergycontents::routebasedenergycontents_binding::vsomeip;
+  using FieldImpl = ara::com::internal::vsomeip::skeleton::FieldImpl<Status, descriptors::rwmStatus>;
+  const auto getter = std::make_unique<FieldImpl>(kInstance)->GetGetter();  // as a thread has it that is on its way
+  testing::internal::CaptureStderr();
+  getter->onRequest(RequestTo(0x4010));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_TRUE(application_.TakeSent().empty());
 }
 
 TEST_F(GetterTest, ANewHandlerReachesARunningOffer) {
@@ -148,17 +251,70 @@ TEST_F(GetterTest, DestructionWaitsForARunningHandler) {
   network.join();
 }
 
-// Requests, updates and new handlers while offers come and go.
+/// Makes the futures of get handlers ready on a thread of its own: with a value, with an error, or by dropping them.
+class Worker {
+ public:
+  ~Worker() {
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      stop_ = true;
+      changed_.notify_all();
+    }
+    thread_.join();
+  }
+  Future<Status> Take() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (stop_ || ++taken_ % 5 == 0) {
+      throw std::runtime_error("nobody works");
+    }
+    changed_.notify_all();
+    return promises_.emplace_back().get_future();
+  }
+
+ private:
+  void Run() {
+    std::unique_lock<std::mutex> lock(mutex_);
+    for (unsigned number = 0;; ++number) {
+      changed_.wait(lock, [this] { return stop_ || !promises_.empty(); });
+      if (promises_.empty()) {
+        return;
+      }
+      auto promise = std::move(promises_.front());
+      promises_.pop_front();
+      lock.unlock();
+      if (number % 3 == 0) {
+        promise.SetResult(StatusOf(number));
+      } else if (number % 3 == 1) {
+        promise.SetError(MakeErrorCode(ara::com::ComErrc::kServiceNotAvailable));
+      }
+      { const auto dropped = std::move(promise); }
+      lock.lock();
+    }
+  }
+
+  std::mutex mutex_;  // guards the members below
+  std::condition_variable changed_;
+  std::deque<Promise<Status>> promises_;
+  unsigned taken_ = 0;
+  bool stop_ = false;
+  std::thread thread_{[this] { Run(); }};
+};
+
+// Requests, updates and new handlers, which answer at once or on another thread, while offers come and go.
 TEST_F(GetterTest, EverythingMayHappenAtOnce) {
   std::atomic<bool> stop{false};
+  std::atomic<int> answers{0};
+  Worker worker;
   skeleton_->rwmStatus.ServeCurrentValue();
   std::vector<std::thread> threads;
-  threads.emplace_back([&] {
-    while (!stop) {
-      application_.Deliver(RequestTo(0x4010));
-      application_.TakeSent();
-    }
-  });
+  for (int i = 0; i < 2; ++i) {
+    threads.emplace_back([&] {
+      while (!stop) {
+        application_.Deliver(RequestTo(0x4010));
+        answers += static_cast<int>(application_.TakeSent().size());
+      }
+    });
+  }
   threads.emplace_back([&] {
     for (unsigned number = 0; !stop; ++number) {
       skeleton_->rwmStatus.Update(StatusOf(number));
@@ -166,11 +322,17 @@ TEST_F(GetterTest, EverythingMayHappenAtOnce) {
     }
   });
   threads.emplace_back([&] {
-    while (!stop) {
-      skeleton_->rwmStatus.ServeCurrentValue();
+    for (unsigned number = 0; !stop; ++number) {
+      if (number % 3 == 0) {
+        skeleton_->rwmStatus.ServeCurrentValue();
+      } else {
+        skeleton_->rwmStatus.RegisterGetHandler([&worker] { return worker.Take(); });
+      }
     }
   });
-  for (int round = 0; round < 100; ++round) {
+  testing::internal::CaptureStderr();
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+  for (int round = 0; round < 100 || (answers < 1000 && std::chrono::steady_clock::now() < end); ++round) {
     skeleton_->StopOfferService();
     skeleton_->OfferService();
   }
@@ -178,6 +340,8 @@ TEST_F(GetterTest, EverythingMayHappenAtOnce) {
   for (auto& thread : threads) {
     thread.join();
   }
+  testing::internal::GetCapturedStderr();
+  EXPECT_GE(answers, 1000);
 }
 
 }  // namespace

@@ -6,8 +6,7 @@
 
 namespace ara::com::internal::skeleton {
 
-/// Answers a getter: called for each request, on a thread of the SOME/IP stack. The future may become ready later, on
-/// any thread.
+/// Answers a getter: called for each request, on a thread of the SOME/IP stack, which waits for the future.
 template <typename T>
 using GetHandler = std::function<ara::core::Future<T, ara::core::ErrorCode>()>;
 

@@ -33,17 +33,28 @@ class SkeletonField {
   }
 
   /// Sets what answers getter requests. Without one, a getter is answered with an error. The handler runs on a thread
-  /// of the stack, any number of times at once; what it throws becomes an error response, and so does an error in its
-  /// future. The response is sent when the future becomes ready, and no thread waits for it meanwhile: but a handler
-  /// that itself waits keeps its thread, and delays the destruction of the skeleton until it returns.
+  /// of the stack, any number of times at once, and that thread waits for its future and sends the response. What the
+  /// handler throws, an error in its future, and a future that ends without a result are error responses.
+  ///
+  /// A future that is not ready at once keeps a thread of the stack: while such threads are few, it delays what other
+  /// requests, responses and notifications they would bring. One that never becomes ready keeps its thread for ever,
+  /// and so it does StopOfferService and the skeleton's destructor, which wait for handlers that run.
   void RegisterGetHandler(GetHandler<T> handler) {
-    const std::lock_guard<std::mutex> lock(handler_mutex_);
-    handler_ = std::move(handler);
-    ++handler_version_;
-    const std::lock_guard<std::mutex> bindings(bindings_mutex_);
-    for (Field<T>* const binding : bindings_) {
-      binding->RegisterGetHandler(handler_);
+    if (handler) {
+      // Bindings copy what they are given. What the handler owns is there once, and goes when no lock is held.
+      handler = [shared = std::make_shared<const GetHandler<T>>(std::move(handler))] { return (*shared)(); };
     }
+    {
+      const std::lock_guard<std::mutex> lock(handler_mutex_);
+      handler_.swap(handler);
+      ++handler_version_;
+    }
+    PassHandlerOn([this](const GetHandler<T>& latest) {
+      const std::lock_guard<std::mutex> lock(bindings_mutex_);
+      for (Field<T>* const binding : bindings_) {
+        binding->RegisterGetHandler(latest);
+      }
+    });
   }
 
   /// Answers getter requests with the value as it stands.
@@ -69,19 +80,7 @@ class SkeletonField {
       const std::lock_guard<std::mutex> lock(bindings_mutex_);
       bindings_.push_back(&binding);
     }
-    // The handler is passed on without a lock; a registration that came in between is passed on as well.
-    for (std::uint64_t passed = 0, latest = 0;; passed = latest) {
-      GetHandler<T> handler;
-      {
-        const std::lock_guard<std::mutex> lock(handler_mutex_);
-        latest = handler_version_;
-        handler = handler_;
-      }
-      if (latest == passed) {
-        return;
-      }
-      binding.RegisterGetHandler(std::move(handler));
-    }
+    PassHandlerOn([&binding](GetHandler<T> latest) { binding.RegisterGetHandler(std::move(latest)); });
   }
   /// For bindings: removes a binding's field. Afterwards it is not being called.
   void Detach(Field<T>& binding) {
@@ -106,6 +105,24 @@ class SkeletonField {
     const std::lock_guard<std::mutex> lock(bindings_mutex_);
     for (Field<T>* const binding : bindings_) {
       binding->Update(value);
+    }
+  }
+
+  // Passes the handler on with no lock held, and again when another one has been registered meanwhile: who passes last
+  // passes the latest.
+  template <typename Pass>
+  void PassHandlerOn(Pass pass) {
+    for (std::uint64_t passed = 0;;) {
+      GetHandler<T> latest;
+      {
+        const std::lock_guard<std::mutex> lock(handler_mutex_);
+        if (handler_version_ == passed) {
+          return;
+        }
+        passed = handler_version_;
+        latest = handler_;
+      }
+      pass(latest);
     }
   }
 

@@ -66,12 +66,15 @@ class ServiceImplBase : public internal::skeleton::ServiceImplBase {
     return promise.get_future();
   }
 
-  /// Answers a request with a value or with an error response.
+  /// Answers a request with a value or with an error response; one that wants no answer gets none.
   template <typename T>
   static void SendReply(ara::core::Result<T, ara::core::ErrorCode> result,
                         std::shared_ptr<::vsomeip::message> request) {
     if (!result.HasValue()) {
-      SendErrorReply(result.error(), std::move(request));
+      SendError(result.error(), request);
+      return;
+    }
+    if (!WantsAnswer(*request)) {
       return;
     }
     auto& connection = runtime::VSomeIPConnection::instance_;
@@ -81,6 +84,11 @@ class ServiceImplBase : public internal::skeleton::ServiceImplBase {
     const auto response = stack->create_response(request);
     response->set_payload(stack->create_payload(bytes));
     connection.Application()->send(response);
+  }
+  static void SendError(const ara::core::ErrorCode& error, const std::shared_ptr<::vsomeip::message>& request) {
+    if (WantsAnswer(*request)) {
+      SendErrorReply(error, request);
+    }
   }
 
   /// What the platform's SOME/IP binding does for an adapter.
@@ -132,6 +140,10 @@ class ServiceImplBase : public internal::skeleton::ServiceImplBase {
   }
 
  private:
+  static bool WantsAnswer(const ::vsomeip::message& request) {
+    return request.get_message_type() != ::vsomeip::message_type_e::MT_REQUEST_NO_RETURN;
+  }
+
   internal::skeleton::ServiceBase& service_;
   std::deque<std::function<void()>> pending_calls_;
   MethodCallProcessingMode mode_ = MethodCallProcessingMode::kEvent;
