@@ -1,3 +1,4 @@
+#include <cstdlib>
 #include <stdexcept>
 
 #include "core_types/com_error_domain.h"
@@ -17,6 +18,9 @@ const std::vector<std::string> kSubscribing = {"register_message_handler 6005 7 
                                                "request_event 6005 7 c010 c010 1 0",
                                                "register_subscription_status_handler 6005 7 c010 c010",
                                                "subscribe 6005 7 c010 4 c010", "register_message_handler 6005 7 c010"};
+
+// Before the library makes its logger: what it says at that level is tested, too.
+const int kLogLevel = setenv("TARN7_LOG_LEVEL", "info", 1);
 
 class EventTest : public BoundProxyTest {
  protected:
@@ -144,7 +148,10 @@ TEST_F(EventTest, DeliversOldestFirstAndDropsTheOldestWhenFull) {
   EXPECT_THAT(Fetch(field_), ElementsAre(4, 5)) << "a smaller cache drops its oldest, too";
   EXPECT_THAT(Fetch(field_), ElementsAre());
   application_.Deliver(NotificationOf(6));
+  testing::internal::CaptureStderr();
   field_.Unsubscribe();
+  EXPECT_THAT(testing::internal::GetCapturedStderr(),
+              HasSubstr("2 notifications of event 49168 were dropped: the cache was full\n"));
   field_.Subscribe(1);
   EXPECT_THAT(Fetch(field_), ElementsAre()) << "what was not fetched went with its subscription";
 }

@@ -77,8 +77,8 @@ class EventSubscription::SharedEvent : public std::enable_shared_from_this<Share
   std::optional<std::uint64_t> availability_token_;
 
   std::shared_ptr<const Members> members_ = std::make_shared<const Members>();  // guarded by mutex; replaced as a whole
-  // Guarded by mutex. Counts the subscriptions at the stack and their ends: what the stack had queued for an earlier
-  // one is not taken for the present one's.
+  // Guarded by mutex. Counts the subscriptions at the stack that have ended: what it had queued for one of them is not
+  // taken for the present one's.
   std::uint64_t round_ = 0;
 };
 
@@ -142,9 +142,6 @@ void EventSubscription::SharedEvent::SubscribeFor(const EventSubscription& membe
     const std::lock_guard<std::mutex> lock(mutex);
     if (!member.joined_) {
       return;
-    }
-    if (!is_subscribed_at_stack_) {
-      ++round_;
     }
     round = round_;
   }
@@ -352,6 +349,10 @@ void EventSubscription::Leave() {
   std::unique_lock<std::mutex> lock(event_->mutex);
   if (joined_) {
     return;  // another thread has subscribed meanwhile
+  }
+  if (const auto count = std::exchange(dropped_messages_, 0); count > 0) {
+    common::GetLogger().LogInfo().WithLocation(kSource, "Leave", __LINE__)
+        << count << " notifications of event " << event_->Identity().event << " were dropped: the cache was full";
   }
   setSubscriptionState(SubscriptionState::kNotSubscribed);
   state_change_calls_.Make(lock, event_->handlers_ended);
