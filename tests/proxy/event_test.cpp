@@ -228,7 +228,10 @@ TEST_F(EventTest, RefusesWhatIsNoNotificationOfThisEvent) {
     application_.Deliver(message);
     EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("Discarding invalid message\n"));
   }
-  EXPECT_THAT(Fetch(field_), ElementsAre());
+  const auto returnCode = NotificationOf(4);  // says nothing in a notification
+  returnCode->set_return_code(::vsomeip::return_code_e::E_NOT_OK);
+  application_.Deliver(returnCode);
+  EXPECT_THAT(Fetch(field_), ElementsAre(4));
 }
 
 TEST_F(EventTest, GoesOnAfterAnUndecodableMessage) {
@@ -266,6 +269,24 @@ TEST_F(EventTest, WhatTheStackHadQueuedForAnEarlierSubscriptionIsDropped) {
   message();
   accepted();
   lost();
+}
+
+// An event outside of a binding stops its own handlers; and no event leaves anything behind.
+TEST_F(EventTest, AnEventThatGoesCallsNobodyAndLeavesNothing) {
+  using namespace kro::services::energysystem::energysystem_binding::vsomeip;
+  using Event = ara::com::internal::vsomeip::proxy::EventImpl<descriptors::notifications, Value>;
+  auto event = std::make_unique<Event>(8);
+  event->SetSubscriptionStateChangeHandler([this](State state) { states_.push_back(state); });
+  event->Subscribe(1);
+  event.reset();
+  EXPECT_THAT(states_, ElementsAre(State::kSubscriptionPending));
+
+  using ara::com::internal::vsomeip::proxy::EventSubscription;
+  auto subscription = EventSubscription::Open({kService, 8, 4, 3, kEvent, kEvent, {kEvent}});
+  const std::weak_ptr<EventSubscription> weak = subscription;
+  subscription->Close();
+  subscription.reset();
+  EXPECT_TRUE(weak.expired());
 }
 
 // A slow stack holds up who subscribes, and nobody else.

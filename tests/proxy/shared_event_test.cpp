@@ -99,6 +99,16 @@ TEST_F(SharedEventTest, AValueWhoseProviderWentIsNotHandedOn) {
   }
 }
 
+TEST_F(SharedEventTest, ALossConcernsWhoeverTakesPart) {
+  std::vector<State> states;
+  field_.SetSubscriptionStateChangeHandler([&](State state) { states.push_back(state); });
+  field_.Subscribe(1);
+  application_.ReportAvailability(kService, kInstance, true);
+  application_.ReportAvailability(kService, kInstance, false);
+  EXPECT_THAT(states, ElementsAre(State::kSubscriptionPending)) << "it was pending before";
+  EXPECT_EQ(other_field_.GetSubscriptionState(), State::kNotSubscribed);
+}
+
 TEST_F(SharedEventTest, OneThatFailsToSubscribeLeavesTheOthersAlone) {
   field_.Subscribe(1);
   Report(kAccepted);

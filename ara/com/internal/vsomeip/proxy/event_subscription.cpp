@@ -362,6 +362,7 @@ void EventSubscription::Leave() {
 }
 
 void EventSubscription::StopHandlers() {
+  // Destroyed without the lock: they may own anything.
   std::shared_ptr<const HandlerCalls<>::Handler> receiveHandler;
   std::shared_ptr<const HandlerCalls<SubscriptionState>::Handler> stateChangeHandler;
   std::unique_lock<std::mutex> lock(event_->mutex);
@@ -369,7 +370,6 @@ void EventSubscription::StopHandlers() {
   state_change_calls_.Stop(stateChangeHandler);
   event_->handlers_ended.wait(
       lock, [this] { return !receive_calls_.RunsOnAnotherThread() && !state_change_calls_.RunsOnAnotherThread(); });
-  lock.unlock();  // before the handlers are destroyed: they may own anything
 }
 
 void EventSubscription::SetReceiveHandler(std::function<void()> handler) {
