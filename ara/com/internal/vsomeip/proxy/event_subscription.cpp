@@ -298,7 +298,7 @@ void EventSubscription::SharedEvent::OnAvailability(std::uint64_t round, bool av
 }
 
 std::shared_ptr<EventSubscription> EventSubscription::Open(const EventIdentity& event) {
-  const std::shared_ptr<EventSubscription> subscription(new EventSubscription(SharedEvent::Of(event)));
+  std::shared_ptr<EventSubscription> subscription(new EventSubscription(SharedEvent::Of(event)));
   subscription->event_->Add(subscription);
   return subscription;
 }
