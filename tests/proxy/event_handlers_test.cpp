@@ -44,6 +44,19 @@ TEST_F(EventHandlersTest, TheReceiveHandlerIsCalledUntilItIsTakenBack) {
   EXPECT_EQ(calls, 1) << "Unsubscribe takes it back as well";
 }
 
+TEST_F(EventHandlersTest, CallsThatWereDueGoWithTheirHandler) {
+  field_.SetReceiveHandler([&] {
+    application_.Deliver(NotificationOf(2));
+    field_.UnsetReceiveHandler();
+  });
+  field_.Subscribe(3);
+  application_.Deliver(NotificationOf(1));
+  int calls = 0;
+  field_.SetReceiveHandler([&] { ++calls; });
+  application_.Deliver(NotificationOf(3));
+  EXPECT_EQ(calls, 1);
+}
+
 TEST_F(EventHandlersTest, TheStateHandlerIsCalledUntilItIsTakenBack) {
   std::vector<State> states;
   field_.SetSubscriptionStateChangeHandler([&](State state) {
