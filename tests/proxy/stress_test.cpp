@@ -172,6 +172,24 @@ TEST_F(StressTest, HundredsOfCallsFromSeveralThreadsCompleteOnceEach) {
   EXPECT_EQ(completed, 400);
 }
 
+// The last event object of one kind goes while others come.
+TEST_F(StressTest, EventsOfOneKindComeAndGo) {
+  using ara::com::internal::vsomeip::proxy::EventSubscription;
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.push_back(Repeat([](unsigned round) {
+      const auto subscription = EventSubscription::Open({kService, 9, 4, 3, kEvent, kEvent, {kEvent}});
+      if (round % 16 == 0) {
+        subscription->Subscribe(1, nullptr, false);
+      }
+      subscription->Close();
+    }));
+  }
+  for (auto& thread : threads) {
+    thread.join();
+  }
+}
+
 TEST_F(StressTest, EverythingAtOnce) {
   EnergySystemImpl shared(kInstance);
   auto& field = shared.Getnotifications();

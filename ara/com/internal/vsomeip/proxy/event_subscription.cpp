@@ -111,7 +111,8 @@ EventSubscription::SharedEvent::~SharedEvent() {
   Directory& directory = Directory::Get();
   const std::lock_guard<std::mutex> lock(directory.mutex);
   const auto found = directory.events.find(KeyOf(identity_));
-  if (found->second.expired()) {  // else another one has taken the place
+  // Another one may have taken the place since this one's last owner let go, and may be gone as well.
+  if (found != directory.events.end() && found->second.expired()) {
     directory.events.erase(found);
   }
 }
