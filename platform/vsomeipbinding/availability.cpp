@@ -1,3 +1,4 @@
+#include <condition_variable>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -5,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "ara/com/internal/vsomeip/proxy/handler_calls.h"
 #include "platform/include/connection.h"
 #include "platform/include/service_availability.h"
 #include "platform/vsomeipbinding/stack_thread.h"
@@ -17,9 +19,14 @@ using Key = std::tuple<std::uint16_t, std::uint16_t, std::uint8_t>;  // service,
 
 /// One registration. What it was told last is its own, so that a newcomer hears of a state that the others know.
 struct Follower {
-  explicit Follower(std::function<void(bool)> to_call) : handler(std::move(to_call)) {}
+  explicit Follower(const std::function<void(bool)>& handler) {
+    auto shared = std::make_shared<const std::function<void(bool)>>(handler);
+    calls.Set(shared);
+  }
 
-  const std::function<void(bool)> handler;
+  // A change is told in its turn, also where a thread that tells an earlier one to several followers is held up by one
+  // of them: whoever comes first tells both.
+  proxy::HandlerCalls<bool> calls;
   bool available = false;
 };
 
@@ -31,12 +38,12 @@ class AvailabilityTable {
     return table;
   }
 
-  std::uint64_t Register(const ServiceInstance& service, std::function<void(bool)> handler) {
+  std::uint64_t Register(const ServiceInstance& service, const std::function<void(bool)>& handler) {
     const auto application = runtime::VSomeIPConnection::instance_.Application();
     const Key key{service.service, service.instance, service.major};
     const std::lock_guard<std::mutex> lock(mutex_);
     const std::uint64_t token = ++last_token_;
-    followers_[key].emplace(token, std::make_shared<Follower>(std::move(handler)));
+    followers_[key].emplace(token, std::make_shared<Follower>(handler));
     keys_.emplace(token, key);
     // Every registration with the stack is answered with the present state, on a thread of the stack: so it is
     // repeated for each follower.
@@ -72,26 +79,26 @@ class AvailabilityTable {
  private:
   void OnAvailability(const Key& key, bool available) {
     std::vector<std::shared_ptr<Follower>> concerned;
-    {
-      const std::lock_guard<std::mutex> lock(mutex_);
-      const auto found = followers_.find(key);
-      if (found == followers_.end()) {
-        return;
-      }
-      for (const auto& [token, follower] : found->second) {
-        if (std::exchange(follower->available, available) != available) {
-          concerned.push_back(follower);
-        }
+    std::unique_lock<std::mutex> lock(mutex_);
+    const auto found = followers_.find(key);
+    if (found == followers_.end()) {
+      return;
+    }
+    for (const auto& [token, follower] : found->second) {
+      if (std::exchange(follower->available, available) != available) {
+        follower->calls.Add(available);
+        concerned.push_back(follower);
       }
     }
     for (const auto& follower : concerned) {
-      follower->handler(available);
+      follower->calls.Make(lock, nobody_waits_);
     }
   }
 
   // Guards the members below and the followers' states. Held while the stack is told; the stack never calls back from
   // within.
   std::mutex mutex_;
+  std::condition_variable nobody_waits_;  // for the end of a call: it may still run after its unregistration
   std::map<Key, std::map<std::uint64_t, std::shared_ptr<Follower>>> followers_;
   std::map<std::uint64_t, Key> keys_;
   std::uint64_t last_token_ = 0;
@@ -100,7 +107,7 @@ class AvailabilityTable {
 }  // namespace
 
 std::uint64_t registerAvailabilityHandler(const ServiceInstance& service, std::function<void(bool available)> handler) {
-  return AvailabilityTable::Get().Register(service, std::move(handler));
+  return AvailabilityTable::Get().Register(service, handler);
 }
 
 void unregisterAvailabilityHandler(std::uint64_t token) { AvailabilityTable::Get().Unregister(token); }

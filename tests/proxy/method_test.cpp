@@ -83,6 +83,34 @@ TEST_F(MethodTest, ACallWhoseRequestIdComesAroundFails) {
   EXPECT_EQ(newer.get().at(0).member0, 42U);
 }
 
+// A thread that brings a response while a continuation runs leaves it to the thread that is in the continuation.
+TEST_F(MethodTest, CompletionsNeverOverlapAndNoThreadWaitsForThem) {
+  auto first = binding_->Getnotifications().Get();
+  const auto firstRequest = TakeRequest();
+  auto second = binding_->Getnotifications().Get();
+  const auto secondRequest = TakeRequest();
+  first.then([&] {
+    std::thread network([&] { application_.Deliver(support::ResponseTo(secondRequest, kFortyTwo)); });
+    network.join();
+    EXPECT_FALSE(second.is_ready());
+  });
+  application_.Deliver(support::ResponseTo(firstRequest, kFortyTwo));
+  EXPECT_EQ(second.get().at(0).member0, 42U);
+}
+
+TEST_F(MethodTest, WhatAContinuationThrowsIsLogged) {
+  testing::internal::CaptureStderr();
+  for (int call = 0; call < 2; ++call) {
+    auto future = binding_->Getnotifications().Get();
+    future.then([call] { call == 0 ? throw std::runtime_error("broken") : throw 1; });
+    application_.Deliver(support::ResponseTo(TakeRequest(), kFortyTwo));
+    EXPECT_EQ(future.get().at(0).member0, 42U);
+  }
+  const std::string log = testing::internal::GetCapturedStderr();
+  EXPECT_THAT(log, HasSubstr("A continuation has thrown: broken\n"));
+  EXPECT_THAT(log, HasSubstr("A continuation has thrown what is no exception\n"));
+}
+
 TEST_F(MethodTest, TwoBindingsOfOneInstanceGetTheirOwnResponses) {
   auto other = std::make_unique<EnergySystemImpl>(kInstance);
   auto one = binding_->Getnotifications().Get();

@@ -128,6 +128,31 @@ TEST_F(SharedEventTest, OneThatFailsToSubscribeLeavesTheOthersAlone) {
   EXPECT_THAT(Fetch(other_field_), ElementsAre());
 }
 
+// The first fails when the second has joined already: that one subscribes, and follows the provider as well.
+TEST_F(SharedEventTest, OneThatSubscribesWhileAnotherFailsFollowsTheProvider) {
+  std::thread second;
+  bool fails = true;
+  application_.on_call = [&](const std::string& call) {
+    if (call.rfind("subscribe", 0) == 0 && std::exchange(fails, false)) {
+      second = std::thread([this] { other_field_.Subscribe(1); });
+      while (other_field_.GetSubscriptionState() != State::kSubscriptionPending) {
+        std::this_thread::yield();
+      }
+      throw std::runtime_error("no network");
+    }
+  };
+  testing::internal::CaptureStderr();
+  field_.Subscribe(1);
+  testing::internal::GetCapturedStderr();
+  second.join();
+  application_.on_call = nullptr;
+  Report(kAccepted);
+  EXPECT_TRUE(other_field_.IsSubscribed());
+  application_.ReportAvailability(kService, kInstance, true);
+  application_.ReportAvailability(kService, kInstance, false);
+  EXPECT_EQ(other_field_.GetSubscriptionState(), State::kSubscriptionPending);
+}
+
 // Several threads subscribe one event, or two events of one instance, at once. The stack answers each subscription on
 // a thread of its own.
 TEST_F(SharedEventTest, SubscribingAtOnceEndsSubscribed) {

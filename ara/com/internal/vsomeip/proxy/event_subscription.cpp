@@ -157,7 +157,7 @@ void EventSubscription::SharedEvent::TellSubscription(std::uint64_t round, bool 
       self->OnMessage(round, message);
     }
   };
-  const bool isFirst = !std::exchange(is_subscribed_at_stack_, true);  // its end is due from here on, come what may
+  is_subscribed_at_stack_ = true;  // its end is due from here on, come what may
   const auto type = isField ? ::vsomeip::event_type_e::ET_FIELD : ::vsomeip::event_type_e::ET_EVENT;
   // The stack looks for the handler when a notification arrives, and the first one, the field's value as it stands, may
   // be here before subscribe() has returned. So the handler must be there already; where its registration belongs,
@@ -175,7 +175,7 @@ void EventSubscription::SharedEvent::TellSubscription(std::uint64_t round, bool 
       kRejectionsToo);
   application->subscribe(identity_.service, identity_.instance, identity_.eventgroup, identity_.major, identity_.event);
   application->register_message_handler(identity_.service, identity_.instance, identity_.event, onMessage);
-  if (isFirst && common::registerAvailabilityHandler != nullptr) {
+  if (!availability_token_ && common::registerAvailabilityHandler != nullptr) {
     availability_token_ = common::registerAvailabilityHandler(
         {identity_.service, identity_.instance, identity_.major, identity_.minor}, [weak, round](bool available) {
           if (const auto self = weak.lock()) {
@@ -206,6 +206,8 @@ void EventSubscription::SharedEvent::TellEnd() {
       what();
     } catch (const std::exception& error) {
       common::LogWarning(kSource, "TellEnd", __LINE__) << "The stack fails to end a subscription: " << error.what();
+    } catch (...) {
+      common::LogWarning(kSource, "TellEnd", __LINE__) << "The stack fails to end a subscription";
     }
   };
   if (const auto token = std::exchange(availability_token_, std::nullopt)) {
@@ -249,7 +251,10 @@ void EventSubscription::SharedEvent::OnMessage(std::uint64_t round, const Messag
       member->messages_.push_back(message);
       member->DropSurplusMessages();
       member->is_value_unannounced_ = false;
-      member->receive_calls_.Add();
+      // One call for each message that waits: not for those that went unread while the handler was busy.
+      if (member->receive_calls_.CountDue() < member->messages_.size()) {
+        member->receive_calls_.Add();
+      }
     }
   }
   for (const auto& member : *members) {
@@ -341,12 +346,14 @@ void EventSubscription::Unsubscribe() {
 }
 
 void EventSubscription::Leave() {
+  std::deque<Message> dropped;  // destroyed without the lock
   {
     const std::lock_guard<std::mutex> lock(event_->mutex);
     joined_ = false;
+    dropped.swap(messages_);  // now, so that nothing of another subscription goes, and nothing of this one stays
+    is_value_unannounced_ = false;
   }
   event_->UnsubscribeIfUnused();
-  std::deque<Message> dropped;  // destroyed without the lock
   std::unique_lock<std::mutex> lock(event_->mutex);
   if (joined_) {
     return;  // another thread has subscribed meanwhile
@@ -357,9 +364,6 @@ void EventSubscription::Leave() {
   }
   setSubscriptionState(SubscriptionState::kNotSubscribed);
   state_change_calls_.Make(lock, event_->handlers_ended);
-  if (!joined_) {  // the handler may have subscribed again
-    dropped.swap(messages_);
-  }
 }
 
 void EventSubscription::StopHandlers() {

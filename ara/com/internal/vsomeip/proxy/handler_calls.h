@@ -1,6 +1,8 @@
 #pragma once
 
 #include <condition_variable>
+#include <cstddef>
+#include <deque>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -8,7 +10,6 @@
 #include <thread>
 #include <tuple>
 #include <utility>
-#include <vector>
 
 #include "ara/com/internal/vsomeip/common/logger.h"
 
@@ -26,10 +27,15 @@ class HandlerCalls {
   using Handler = std::function<void(Arguments...)>;
 
   /// Takes the place of the present handler, which is left in the argument: to be destroyed without the mutex, because
-  /// it may own anything. Null takes it back. Has no effect after Stop().
+  /// it may own anything. The new one gets the calls that are due; null takes the handler back, and them with it. Has
+  /// no effect after Stop().
   void Set(std::shared_ptr<const Handler>& handler) noexcept {
-    if (!stopped_) {
-      handler_.swap(handler);
+    if (stopped_) {
+      return;
+    }
+    handler_.swap(handler);
+    if (handler_ == nullptr) {
+      due_.clear();
     }
   }
 
@@ -39,6 +45,7 @@ class HandlerCalls {
       due_.emplace_back(arguments...);
     }
   }
+  std::size_t CountDue() const noexcept { return due_.size(); }
 
   /// Makes the calls that are due, unless a thread is at it. Each end of such a round is told through `ended`. The
   /// handler may destroy the owner's user, so the caller must keep the owner alive.
@@ -47,16 +54,15 @@ class HandlerCalls {
       return;
     }
     caller_ = std::this_thread::get_id();
-    while (!due_.empty() && handler_ != nullptr) {
+    while (!due_.empty()) {  // so there is a handler
       const std::tuple<Arguments...> arguments = due_.front();
-      due_.erase(due_.begin());
+      due_.pop_front();
       std::shared_ptr<const Handler> handler = handler_;
       lock.unlock();
       Call(*handler, arguments);
       handler = nullptr;  // may be the last to hold it, and what it owns may call back
       lock.lock();
     }
-    due_.clear();
     caller_ = {};
     ended.notify_all();
   }
@@ -81,8 +87,8 @@ class HandlerCalls {
     }
   }
 
-  std::shared_ptr<const Handler> handler_;  // null: none
-  std::vector<std::tuple<Arguments...>> due_;
+  std::shared_ptr<const Handler> handler_;  // null: none, and then no call is due
+  std::deque<std::tuple<Arguments...>> due_;
   std::thread::id caller_;  // the thread that makes the calls; none: nobody does
   bool stopped_ = false;
 };

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <list>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -77,10 +78,10 @@ void SetError(ara::core::Promise<R>& promise, const ::vsomeip::message& response
 /// The calls of one method of one service instance that are under way: each request waits in a table, under its request
 /// id, for its response. Shared with the response handler, which holds it weakly.
 ///
-/// Calls start on the application's threads, responses arrive on the stack's. Calls are completed one after the other,
-/// under a lock that starting one does not take: the thread that a result wakes often starts the next call at once, and
-/// would have to wait for the thread that woke it. A future's continuation must not wait for another call of the same
-/// method.
+/// Calls start on the application's threads, responses arrive on the stack's. Calls are completed one after the other
+/// and without a lock: a thread that finds none at it completes all that are answered; any other leaves its response to
+/// that thread. So a continuation that takes long keeps one thread of the stack, not all of them. A continuation must
+/// not wait for another call of the same method, which is completed after it.
 template <typename Descriptor, typename R>
 class MethodImplDelegate {
  public:
@@ -127,19 +128,27 @@ class MethodImplDelegate {
 
   /// Completes the call that a response answers. A response that answers none is dropped.
   void onMessage(const std::shared_ptr<::vsomeip::message>& response) {
-    const std::lock_guard<std::mutex> completing(completion_mutex_);
+    std::unique_lock<std::mutex> lock(mutex_);
     auto call = TakeCall(response->get_request());
     if (!call) {
       return;
     }
-    if (!validateMessage(*call->request, *response)) {
-      common::LogWarning(kSource, "onMessage", __LINE__) << "Discarding invalid message";
-      call->promise.SetError(MakeErrorCode(ComErrc::kNetworkBindingFailure));
-    } else if (response->get_return_code() != ::vsomeip::return_code_e::E_OK) {
-      detail::SetError(call->promise, *response);
-    } else {
-      detail::SetResult(call->promise, *response);
+    if (is_completing_) {
+      answered_.push_back({std::move(*call), response});
+      return;
     }
+    is_completing_ = true;
+    lock.unlock();
+    Complete(std::move(*call), *response);
+    lock.lock();
+    while (!answered_.empty()) {
+      AnsweredCall next = std::move(answered_.front());
+      answered_.pop_front();
+      lock.unlock();
+      Complete(std::move(next.call), *next.response);
+      lock.lock();
+    }
+    is_completing_ = false;
   }
 
   /// Whether a response fits a request: its header the method, its client and session id the request's.
@@ -168,6 +177,11 @@ class MethodImplDelegate {
     ara::core::Promise<R> promise;
   };
 
+  struct AnsweredCall {
+    PendingCall call;
+    std::shared_ptr<::vsomeip::message> response;
+  };
+
   using PendingCalls = std::unordered_map<::vsomeip::request_t, PendingCall>;
   using CallNode = typename PendingCalls::node_type;
 
@@ -182,10 +196,27 @@ class MethodImplDelegate {
     pending_calls_.insert(std::move(spare_node_));
   }
 
-  // Empty when no call waits under that id.
+  // What a continuation throws is logged: it would leave through the stack's thread, and with other calls unanswered.
+  void Complete(PendingCall call, const ::vsomeip::message& response) const {
+    try {
+      if (!validateMessage(*call.request, response)) {
+        common::LogWarning(kSource, "onMessage", __LINE__) << "Discarding invalid message";
+        call.promise.SetError(MakeErrorCode(ComErrc::kNetworkBindingFailure));
+      } else if (response.get_return_code() != ::vsomeip::return_code_e::E_OK) {
+        detail::SetError(call.promise, response);
+      } else {
+        detail::SetResult(call.promise, response);
+      }
+    } catch (const std::exception& error) {
+      common::LogWarning(kSource, "onMessage", __LINE__) << "A continuation has thrown: " << error.what();
+    } catch (...) {
+      common::LogWarning(kSource, "onMessage", __LINE__) << "A continuation has thrown what is no exception";
+    }
+  }
+
+  // With the lock held. Empty when no call waits under that id.
   std::optional<PendingCall> TakeCall(::vsomeip::request_t id) {
     std::optional<PendingCall> call;
-    const std::lock_guard<std::mutex> lock(mutex_);
     if (CallNode node = pending_calls_.extract(id)) {
       call = std::move(node.mapped());
       spare_node_ = std::move(node);
@@ -195,10 +226,11 @@ class MethodImplDelegate {
 
   const std::uint16_t instance_;
   std::uint16_t session_counter_ = 0;  // the last session id used; wraps at 16 bits
-  std::mutex completion_mutex_;        // held while a call is completed, so that completions do not overlap
-  std::mutex mutex_;                   // guards the session counter, the pending calls and the spare node
+  std::mutex mutex_;                   // guards the session counter and the members below
   PendingCalls pending_calls_;
-  CallNode spare_node_;  // of the last call that was answered: the next one needs no allocation
+  CallNode spare_node_;               // of the last call that was answered: the next one needs no allocation
+  bool is_completing_ = false;        // a thread completes calls
+  std::list<AnsweredCall> answered_;  // left to that thread
 };
 
 }  // namespace ara::com::internal::vsomeip::proxy
