@@ -77,4 +77,13 @@ TEST(SampleCache, AllocatesNothingOnceItIsMade) {
   EXPECT_EQ(cache->GetFreeSampleCount(), 3U);
 }
 
+TEST(SampleCache, AValueGoesWithItsSample) {
+  using Cache = ara::com::internal::proxy::EventDataContainer<std::shared_ptr<int>>;
+  const auto cache = std::make_shared<Cache>(1);
+  auto value = std::make_shared<int>(1);
+  const std::weak_ptr<int> weak = value;
+  Cache::Add(cache->Reserve(), std::move(value), ara::com::e2exf::ProfileCheckStatus::kOk);
+  EXPECT_TRUE(weak.expired());
+}
+
 }  // namespace
