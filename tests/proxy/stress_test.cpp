@@ -195,16 +195,17 @@ TEST_F(StressTest, EverythingAtOnce) {
   auto& field = shared.Getnotifications();
   std::atomic<int> inHandler{0};
   std::atomic<int> seen{0};
+  const auto receive = [&] {
+    EXPECT_EQ(++inHandler, 1) << "calls of a receive handler overlap";
+    field.GetNewSamples([&](SamplePtr<const Value>) { ++seen; });
+    --inHandler;
+  };
   field.SetSubscriptionStateChangeHandler([&](SubscriptionState) { field.GetFreeSampleCount(); });
   {
     const Network network(application_);
     std::array threads = {
         Repeat(LiveAndGo), Repeat(LiveUntilAHandlerEndsIt), Repeat([&](unsigned round) {
-          field.SetReceiveHandler([&] {
-            EXPECT_EQ(++inHandler, 1) << "calls of a receive handler overlap";
-            field.GetNewSamples([&](SamplePtr<const Value>) { ++seen; });
-            --inHandler;
-          });
+          field.SetReceiveHandler(receive);
           field.Subscribe(1 + round % 3);
           if (round % 7 == 0) {
             field.Unsubscribe();
@@ -221,6 +222,7 @@ TEST_F(StressTest, EverythingAtOnce) {
       thread.join();
     }
     // Whatever has happened: who subscribes now is subscribed, and receives.
+    field.SetReceiveHandler(receive);
     field.Subscribe(1);
     const int before = seen;
     const auto end = std::chrono::steady_clock::now() + kDeadline;
