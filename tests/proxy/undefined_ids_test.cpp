@@ -29,7 +29,6 @@ void ExpectTheProcessToEnd() {
 }
 
 TEST(UndefinedIdsDeathTest, EndTheProcess) {
-  testing::FLAGS_gtest_death_test_style = "threadsafe";
   ExpectTheProcessToEnd<0>();
   ExpectTheProcessToEnd<0xFFFF>();
 }
