@@ -14,7 +14,7 @@ namespace ara::com::internal::proxy {
 namespace bits {
 
 /// What an event offers whatever its type. All operations may be called from any thread, and from any handler. A
-/// handler may destroy its own proxy, on whatever thread it runs; what a handler throws is logged.
+/// handler may destroy its own proxy, on whatever thread it runs. What a receive or state handler throws is logged.
 class EventBase {
  public:
   virtual ~EventBase() = default;
@@ -35,6 +35,7 @@ class EventBase {
 
   /// `handler` is called after each notification that was put into the cache, on a thread of the SOME/IP stack. Its
   /// calls never overlap, not even with themselves: while one runs, further ones wait, but no thread waits for them.
+  /// One that is slower than its notifications is called for those that wait, not for those that the cache has dropped.
   virtual void SetReceiveHandler(std::function<void()> handler) = 0;
   virtual void UnsetReceiveHandler() = 0;
   /// `handler` is called with each answer that the provider gives to a subscription, also when it equals the one
