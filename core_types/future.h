@@ -7,6 +7,7 @@
 #include <mutex>
 #include <utility>
 
+#include "core_types/continuation.h"
 #include "core_types/future_error_domain.h"
 #include "core_types/future_state.h"
 #include "core_types/result.h"
@@ -32,8 +33,8 @@ class Future {
     }
     return *this;
   }
-  /// Drops the continuation: it never runs after its Future is gone. One that is running on another thread is waited
-  /// for.
+  /// Takes the continuation back: it never runs after its Future is gone. One that is running on another thread is
+  /// waited for, unless this thread is in a continuation itself.
   ~Future() { DropContinuation(); }
 
   /// Waits for the result and takes it. Afterwards the Future is no longer valid(). What the standard library reports
@@ -75,20 +76,32 @@ class Future {
   /// Whether GetResult() would return at once.
   bool is_ready() const { return valid() && wait_for(std::chrono::seconds(0)) == future_status::ready; }
 
-  /// Runs `continuation` once, as soon as the result is there: inside this call if it already is, else on the thread
-  /// that sets it (a thread of the SOME/IP stack). A second continuation replaces one that has not run. There it must
-  /// not wait for another call of the same method, which cannot be completed meanwhile. Destroying the Future takes the
-  /// continuation back. Throws FutureException with `no_state` when not valid().
+  /// Runs `continuation` once, as soon as the result is there, a broken promise included: inside this call if it already
+  /// is, else on the thread that sets it (for a proxy's calls a thread of the SOME/IP stack). There it must not wait for
+  /// another call of the same method, which cannot be completed meanwhile. What it throws passes to who set the result,
+  /// which for a proxy's calls is the library, which logs it.
+  ///
+  /// A second continuation replaces one that has not begun; an empty one takes it back. So does destroying the Future.
+  /// Throws FutureException with `no_state` when not valid().
   void then(std::function<void()> continuation) {
     RequireState();
+    // Holds the former one afterwards, which is destroyed without the lock: it may own this future.
+    std::function<void()> stored = internal::Continuation::Store(std::move(continuation));
+    internal::Continuation::Shared former;
     {
       const std::lock_guard<std::mutex> lock(state_->lock);
       if (!is_ready()) {
-        state_->continuation = std::move(continuation);
+        state_->continuation.swap(stored);
         return;
       }
+      former = internal::Continuation::In(state_->continuation);
     }
-    continuation();
+    if (former != nullptr) {
+      former->TakeBackUnlessBegun();
+    }
+    if (stored) {
+      stored();
+    }
   }
 
  private:
@@ -130,7 +143,9 @@ class Future {
       const std::lock_guard<std::mutex> lock(state_->lock);
       dropped.swap(state_->continuation);
     }
-    state_->running.WaitForOtherThreads();
+    if (const auto continuation = internal::Continuation::In(dropped)) {
+      continuation->TakeBack();
+    }
   }
 
   // The order of the members is fixed. The mutex is taken before the state's own lock.

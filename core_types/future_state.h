@@ -2,54 +2,28 @@
 
 #include <functional>
 #include <mutex>
-#include <optional>
 #include <utility>
-
-#include "core_types/running_calls.h"
 
 namespace ara::core::internal {
 
 /// What a Promise shares with its Future beside the standard library's own state: the callback to run when the result
-/// is set.
+/// is set. Others have been compiled against these two members: what else a continuation needs is kept with it.
 struct State {
   std::function<void()> continuation;
   std::mutex lock;  // guards continuation
-  RunningCalls running;
 
-  /// Stores the result through `store` and runs the continuation, at most once, with no lock of this object held. One
-  /// that is there when this begins runs whatever happens meanwhile: its Future's destructor waits. One that comes
-  /// later finds either the result or, here, the second look. Where there is none, nobody waits for this to return.
-  template <typename Store>
-  void Complete(Store store) {
+  /// Runs the continuation if there is one that has not run. To be called when the result is there, without the lock.
+  /// What the continuation throws passes.
+  void RunContinuation() {
+    std::function<void()> due;
     {
-      Taken early(*this);
-      store();
-      early.Run();
+      const std::lock_guard<std::mutex> guard(lock);
+      due = continuation;  // which stays, so that the Future's destructor finds it
     }
-    Taken(*this).Run();
+    if (due) {
+      due();
+    }
   }
-
- private:
-  /// The continuation, taken out of the slot, which counts as running from that moment on.
-  class Taken {
-   public:
-    explicit Taken(State& state) {
-      const std::lock_guard<std::mutex> guard(state.lock);
-      if (state.continuation) {
-        scope_.emplace(state.running);
-        continuation_.swap(state.continuation);
-      }
-    }
-    void Run() const {
-      if (continuation_) {
-        continuation_();
-      }
-    }
-
-   private:
-    std::optional<RunningCalls::Scope> scope_;  // ends after the continuation is destroyed
-    std::function<void()> continuation_;
-  };
 };
 
 /// Holds a mutex through a unique lock that is a member of the same object, for as long as this guard lives. The member

@@ -8,6 +8,44 @@
 
 namespace ara::core {
 
+template <typename T>
+class Optional;
+
+namespace internal {
+
+template <typename T>
+inline constexpr bool kIsOptional = false;
+template <typename T>
+inline constexpr bool kIsOptional<Optional<T>> = true;
+template <>
+inline constexpr bool kIsOptional<std::nullopt_t> = true;
+
+/// Where an Optional<T> takes a U that is no T. Numbers are left to the language's own conversions, and its warnings.
+template <typename T, typename U, bool Condition = true, typename V = std::remove_cv_t<std::remove_reference_t<U>>>
+using EnableMaking = std::enable_if_t<Condition && std::is_class_v<T> && !std::is_same_v<V, T> && !kIsOptional<V> &&
+                                      std::is_constructible_v<T, U&&>>;
+
+/// Whether two values are equal: numbers by what they are worth, whatever their types; a bool by its storage, which may
+/// hold any byte when it came from the network.
+template <typename T, typename U>
+bool AreEqual(const T& left, const U& right) {
+  if constexpr (std::is_same_v<T, bool> && std::is_same_v<U, bool>) {
+    return std::memcmp(&left, &right, sizeof(bool)) == 0;
+  } else if constexpr (std::is_arithmetic_v<T> && std::is_arithmetic_v<U>) {
+    using Common = std::common_type_t<T, U>;
+    if constexpr (std::is_signed_v<T> != std::is_signed_v<U> && std::is_unsigned_v<Common>) {
+      if (left < T{} || right < U{}) {
+        return false;
+      }
+    }
+    return static_cast<Common>(left) == static_cast<Common>(right);
+  } else {
+    return left == right;
+  }
+}
+
+}  // namespace internal
+
 /// A value that may be absent. The value lives in a heap allocation of its own; an absent one holds none. Copies are
 /// deep.
 template <typename T>
@@ -19,6 +57,9 @@ class Optional {
   Optional(std::nullopt_t) noexcept {}
   Optional(const T& value) : Optional(Clone(value)) {}
   Optional(T&& value) : Optional(std::make_unique<T>(std::move(value))) {}
+  /// From what T is made of without saying so: `Optional<std::string> name = "x"`.
+  template <typename U, typename = internal::EnableMaking<T, U, std::is_convertible_v<U&&, T>>>
+  Optional(U&& value) : Optional(std::make_unique<T>(std::forward<U>(value))) {}
   Optional(const Optional& other) : Optional(other.present_ ? Clone(*other.value_) : nullptr) {}
   Optional(Optional&& other) noexcept
       : present_(std::exchange(other.present_, false)), value_(std::move(other.value_)) {}
@@ -27,6 +68,12 @@ class Optional {
   /// Each assignment of a value makes a new allocation and frees the old one: if it throws, the old value stays.
   Optional& operator=(Optional other) noexcept {
     swap(other);
+    return *this;
+  }
+
+  template <typename U, typename = internal::EnableMaking<T, U>>
+  Optional& operator=(U&& value) {
+    emplace(std::forward<U>(value));
     return *this;
   }
 
@@ -92,22 +139,31 @@ class Optional {
   std::unique_ptr<T> value_;
 };
 
+/// Equal are two that hold nothing, and two whose values are equal.
 template <typename T>
 bool operator==(const Optional<T>& left, const Optional<T>& right) {
-  return left.has_value() == right.has_value() && (!left.has_value() || *left == *right);
+  return left.has_value() == right.has_value() && (!left.has_value() || internal::AreEqual(*left, *right));
+}
+template <typename T>
+bool operator==(const Optional<T>& left, std::nullopt_t) noexcept {
+  return !left.has_value();
 }
 /// Whether the value is there and equals `right`.
-template <typename T>
-bool operator==(const Optional<T>& left, const T& right) {
-  return left.has_value() && *left == right;
+template <typename T, typename U, typename = std::enable_if_t<!internal::kIsOptional<U>>>
+bool operator==(const Optional<T>& left, const U& right) {
+  return left.has_value() && internal::AreEqual(*left, right);
 }
-template <typename T>
-bool operator!=(const Optional<T>& left, const Optional<T>& right) {
+template <typename T, typename U, typename = std::enable_if_t<!internal::kIsOptional<U> || std::is_same_v<U, std::nullopt_t>>>
+bool operator==(const U& left, const Optional<T>& right) {
+  return right == left;
+}
+template <typename T, typename U>
+bool operator!=(const Optional<T>& left, const U& right) {
   return !(left == right);
 }
-template <typename T>
-bool operator!=(const Optional<T>& left, const T& right) {
-  return !(left == right);
+template <typename T, typename U, typename = std::enable_if_t<!internal::kIsOptional<U> || std::is_same_v<U, std::nullopt_t>>>
+bool operator!=(const U& left, const Optional<T>& right) {
+  return !(right == left);
 }
 
 }  // namespace ara::core

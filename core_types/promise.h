@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdio>
+#include <exception>
 #include <future>
 #include <memory>
 #include <mutex>
@@ -9,18 +11,35 @@
 
 namespace ara::core {
 
-/// The sending end of a call. Destroyed without a result, it leaves the waiting Future a broken-promise error.
+/// The sending end of a call. Destroyed or assigned over without a result, it leaves its Future a broken-promise error,
+/// and then runs the continuation.
 template <typename T, typename E = ErrorCode>
 class Promise {
  public:
   Promise() = default;
   Promise(Promise&& other) noexcept : promise_(std::move(other.promise_)), state_(std::move(other.state_)) {}
   Promise& operator=(Promise&& other) noexcept {
-    promise_ = std::move(other.promise_);
-    state_ = std::move(other.state_);
+    if (this != &other) {
+      const Promise former(std::move(*this));
+      promise_ = std::move(other.promise_);
+      state_ = std::move(other.state_);
+    }
     return *this;
   }
-  ~Promise() = default;
+  /// What a continuation throws here has no caller to go to: it is written to the standard error.
+  ~Promise() {
+    if (state_ == nullptr) {
+      return;
+    }
+    { const auto broken = std::move(promise_); }  // the error first, then the continuation
+    try {
+      state_->RunContinuation();
+    } catch (const std::exception& error) {
+      std::fprintf(stderr, "A continuation has thrown when its promise was broken: %s\n", error.what());
+    } catch (...) {
+      std::fputs("A continuation has thrown when its promise was broken: what it threw is no exception\n", stderr);
+    }
+  }
 
   /// The one Future of this promise. Throws std::future_error: `future_already_retrieved` the second time, `no_state`
   /// when moved from.
@@ -30,14 +49,16 @@ class Promise {
     return {promise_.get_future(), std::move(state)};
   }
 
-  /// Sets the result and runs the Future's continuation, with this promise's mutex held. Throws std::future_error:
+  /// Sets the result and then runs the Future's continuation, with this promise's mutex held: the continuation must not
+  /// use or destroy this promise. What it throws passes; the result is set all the same. Throws std::future_error:
   /// `promise_already_satisfied` the second time (the first result stays), `no_state` when moved from.
   void SetResult(Result<T, E>&& result) {
     const internal::HolderGuard guard(mutex_, lock_);
     if (state_ == nullptr) {
       throw std::future_error(std::future_errc::no_state);
     }
-    state_->Complete([&] { promise_.set_value(std::move(result)); });
+    promise_.set_value(std::move(result));
+    state_->RunContinuation();
   }
   void SetError(E&& error) { SetResult(Result<T, E>(std::move(error))); }
 

@@ -62,6 +62,13 @@ class Result {
     return std::move(*this).value();
   }
 
+  /// Equal are two that hold equal values, and two that hold equal errors.
+  friend bool operator==(const Result& left, const Result& right) {
+    return left.HasValue() == right.HasValue() &&
+           (left.HasValue() ? left.value() == right.value() : left.error() == right.error());
+  }
+  friend bool operator!=(const Result& left, const Result& right) { return !(left == right); }
+
  private:
   static constexpr int kValue = 0;
 

@@ -1,6 +1,8 @@
 #include "embedded_stack/application_impl.h"
 
 #include <cstdlib>
+#include <stdexcept>
+#include <string>
 
 namespace vsomeip_v3::embedded {
 
@@ -285,6 +287,14 @@ session_t ApplicationImpl::NextSession() {
   return session_;
 }
 
+// Thrown, not logged: who sends a value that nobody will get is to know.
+void ApplicationImpl::RequireTransferable(const payload& payload) {
+  if (payload.get_length() > kMaxPayload) {
+    throw std::length_error("A payload of " + std::to_string(payload.get_length()) + " bytes is above the limit of " +
+                            std::to_string(kMaxPayload) + ": nothing is sent");
+  }
+}
+
 void ApplicationImpl::send(std::shared_ptr<message> message) {
   const auto own = std::dynamic_pointer_cast<MessageImpl>(message);
   if (!own) {
@@ -296,11 +306,9 @@ void ApplicationImpl::send(std::shared_ptr<message> message) {
     own->set_client(client_);
     own->set_session(NextSession());
   }
+  RequireTransferable(*own->get_payload());
   if (state_ != State::kRunning) {
     log_->Warning("send() before start() or after stop(): message dropped");
-  } else if (own->get_payload()->get_length() > kMaxPayload) {
-    log_->Error("a payload of ", own->get_payload()->get_length(), " bytes is above the limit of ", kMaxPayload,
-                ": nothing is sent");
   } else if (IsRequest(own->get_message_type())) {
     SendRequest(*own);
   } else if (IsResponse(own->get_message_type())) {

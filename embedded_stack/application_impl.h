@@ -94,6 +94,7 @@ class ApplicationImpl final : public application, public std::enable_shared_from
   std::size_t ChooseSocket(const ServiceInstance& key);
   void SendRequest(const MessageImpl& request);
   void SendResponse(const MessageImpl& response);
+  static void RequireTransferable(const payload& payload);
   session_t NextSession();
 
   // application_notify.cpp: values of what is offered here.
@@ -104,6 +105,7 @@ class ApplicationImpl final : public application, public std::enable_shared_from
   // application_network.cpp: what comes from the network, and what goes there.
   void OnDatagram(Sockets::Channel channel, std::size_t socket, const Endpoint& from, ByteView datagram);  // locks
   void OnDiscovery(bool multicast, const Endpoint& from, ByteView datagram);
+  void WarnOfRival(const DiscoveryEntry& offer, std::uint32_t from);
   void OnDiscoveryEntry(DiscoveryEntry entry, std::uint32_t from, DiscoveryOutput& out);
   void OnData(std::size_t socket, const Endpoint& from, ByteView datagram);
   void OnMessage(std::size_t socket, const Endpoint& from, const MessageHeader& header, ByteView payload);

@@ -61,12 +61,21 @@ void ApplicationImpl::OnDiscoveryEntry(DiscoveryEntry entry, std::uint32_t from,
     case EntryType::kFind:
       return offers_->OnFind(entry, from, now, out);
     case EntryType::kOffer:
+      WarnOfRival(entry, from);
       return requests_->OnOffer(entry, from, now, out);
     case EntryType::kSubscribe:
       return offers_->OnSubscribe(entry, from, now, out);
     case EntryType::kAcknowledge:
       return requests_->OnAcknowledge(entry, from, out);
   }
+}
+
+// Once per offer: both nodes hear each other, so the one that clients do not use is told as well.
+void ApplicationImpl::WarnOfRival(const DiscoveryEntry& offer, std::uint32_t from) {
+  if (offer.ttl == 0 || !offers_->MeetsRival({offer.service, offer.instance})) return;
+  log_->Warning(Hex(offer.service), ".", Hex(offer.instance), " is offered by ",
+                boost::asio::ip::address_v4(from).to_string(),
+                " as well as by this process. Each client uses one of the two: end one, or offer another instance");
 }
 
 // A datagram may hold several messages.

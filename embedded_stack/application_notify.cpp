@@ -51,11 +51,7 @@ void ApplicationImpl::Notify(const ServiceInstance& key, event_t event, const st
     log_->Error(NameOf(key, event), ": no payload: nothing is sent");
     return;
   }
-  if (payload->get_length() > kMaxPayload) {
-    log_->Error(NameOf(key, event), ": a payload of ", payload->get_length(), " bytes is above the limit of ",
-                kMaxPayload, ": nothing is sent");
-    return;
-  }
+  RequireTransferable(*payload);
   const byte_t* const data = payload->get_data();
   const auto bytes = std::make_shared<const std::vector<std::uint8_t>>(data, data + payload->get_length());
 

@@ -1,5 +1,6 @@
 #include "interfaces/chargetimemanager/chargetimemanager_impl.h"
 #include "interfaces/energysystem/energysystem_impl.h"
+#include "interfaces/interface_list.h"
 #include "interfaces/psd2/psd2_service_adapter.h"
 #include "interfaces/routebasedconsumption/routebasedconsumption_impl.h"
 #include "interfaces/routebasedenergycontents/routebasedenergycontents_service_adapter.h"
@@ -32,28 +33,62 @@ const Entry<routebasedconsumption::descriptors::internal::Service, routebasedcon
 const Entry<chargetimemanager::descriptors::internal::Service, chargetimemanager::ChargeTimeManagerImpl, NoAdapter>
     chargetimemanager_entry;
 
-const VSomeIPServiceMapping::Mapping* const entries[] = {&psd2_entry, &routebasedenergycontents_entry,
-                                                         &energysystem_entry, &routebasedconsumption_entry,
-                                                         &chargetimemanager_entry};
+constexpr const VSomeIPServiceMapping::Mapping* EntryOfServiceId(std::uint16_t araServiceId) {
+  switch (araServiceId) {
+    case psd2::descriptors::internal::Service::ara_service_id:
+      return &psd2_entry;
+    case routebasedenergycontents::descriptors::internal::Service::ara_service_id:
+      return &routebasedenergycontents_entry;
+    case energysystem::descriptors::internal::Service::ara_service_id:
+      return &energysystem_entry;
+    case routebasedconsumption::descriptors::internal::Service::ara_service_id:
+      return &routebasedconsumption_entry;
+    case chargetimemanager::descriptors::internal::Service::ara_service_id:
+      return &chargetimemanager_entry;
+    default:
+      return nullptr;
+  }
+}
+
+constexpr const VSomeIPServiceMapping::Mapping* EntryOfVSomeIPServiceId(std::uint16_t someipServiceId) {
+  switch (someipServiceId) {
+    case psd2::descriptors::internal::Service::service_id:
+      return &psd2_entry;
+    case routebasedenergycontents::descriptors::internal::Service::service_id:
+      return &routebasedenergycontents_entry;
+    case energysystem::descriptors::internal::Service::service_id:
+      return &energysystem_entry;
+    case routebasedconsumption::descriptors::internal::Service::service_id:
+      return &routebasedconsumption_entry;
+    case chargetimemanager::descriptors::internal::Service::service_id:
+      return &chargetimemanager_entry;
+    default:
+      return nullptr;
+  }
+}
+
+/// Whether both lookups know each interface of a list, as the same entry.
+template <typename... Interfaces>
+constexpr bool AreRegistered(common::TypeList<Interfaces...>) {
+  return (true && ... &&
+          (EntryOfServiceId(Interfaces::Service::ara_service_id) != nullptr &&
+           EntryOfServiceId(Interfaces::Service::ara_service_id) ==
+               EntryOfVSomeIPServiceId(Interfaces::Service::service_id)));
+}
+static_assert(AreRegistered(kro::services::ConsumedInterfaces{}) && AreRegistered(kro::services::ProvidedInterfaces{}),
+              "each interface of interface_list.h needs an entry here, under both its ids");
 
 }  // namespace
 
 const VSomeIPServiceMapping::Mapping* AraComVSomeIPServiceMapping::GetMappingForServiceId(std::uint16_t araServiceId) {
-  for (const auto* const entry : entries) {
-    if (entry->GetServiceId() == araServiceId) {
-      return entry;
-    }
-  }
-  return nullptr;
+  return EntryOfServiceId(araServiceId);
 }
 
 VSomeIPServiceMapping::MultiMapping AraComVSomeIPServiceMapping::GetMappingForVSomeIPServiceId(
     std::uint16_t someipServiceId) {
   VSomeIPServiceMapping::MultiMapping mappings;
-  for (const auto* const entry : entries) {
-    if (entry->GetVSomeIPService() == someipServiceId) {
-      mappings.InsertMapping(entry);
-    }
+  if (const auto* const entry = EntryOfVSomeIPServiceId(someipServiceId)) {
+    mappings.InsertMapping(entry);
   }
   return mappings;
 }

@@ -61,27 +61,29 @@ class VSomeIPServiceMapping::Mapping {
   virtual const ServiceVersion* GetBlacklistedVersions() const = 0;
 };
 
-/// The entries that share one SOME/IP service id, by their `ara::com` service id. Refers to entries, never copies them.
+/// The entries that share one SOME/IP service id, by their `ara::com` service id. Refers to entries, never copies them;
+/// they are only ever added.
 class VSomeIPServiceMapping::MultiMapping
-    : public std::unordered_map<std::uint16_t, std::reference_wrapper<const Mapping>> {
+    : private std::unordered_map<std::uint16_t, std::reference_wrapper<const Mapping>> {
  public:
+  using const_iterator = unordered_map::const_iterator;
+  using unordered_map::at;
+  using unordered_map::count;
+  using unordered_map::empty;
+  using unordered_map::size;
+  const_iterator begin() const noexcept { return unordered_map::begin(); }
+  const_iterator end() const noexcept { return unordered_map::end(); }
+  const_iterator find(std::uint16_t araServiceId) const { return unordered_map::find(araServiceId); }
+
   /// Adds an entry. Of two with the same `ara::com` service id the first stays.
   void InsertMapping(const Mapping* mapping) { emplace(mapping->GetServiceId(), *mapping); }
 };
 
-/// The lookups of this library's own services, which it puts first into the registries.
+/// The lookups of this library's own services.
 class AraComVSomeIPServiceMapping {
  public:
   TARN7_EXPORT static const VSomeIPServiceMapping::Mapping* GetMappingForServiceId(std::uint16_t araServiceId);
   TARN7_EXPORT static VSomeIPServiceMapping::MultiMapping GetMappingForVSomeIPServiceId(std::uint16_t someipServiceId);
 };
-
-using ServiceIdLookup = std::function<const VSomeIPServiceMapping::Mapping*(std::uint16_t)>;
-using VSomeIPServiceIdLookup = std::function<VSomeIPServiceMapping::MultiMapping(std::uint16_t)>;
-
-/// The registries of lookups, searched from first to last. Filled while libraries are loaded, before anything looks a
-/// service up, and never changed afterwards: reading them takes no lock.
-TARN7_EXPORT std::vector<ServiceIdLookup>& ServiceIdRegistry();
-TARN7_EXPORT std::vector<VSomeIPServiceIdLookup>& VSomeIPServiceIdRegistry();
 
 }  // namespace ara::com::internal::vsomeip::runtime

@@ -1,6 +1,7 @@
 #include "embedded_stack/discovery/offers.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "vsomeip/constants.hpp"
 
@@ -14,6 +15,7 @@ void Offers::Add(const ServiceInstance& key, const Offer& offer, TimePoint now) 
   Entry& entry = offers_[key];
   entry.offer = offer;
   entry.announced = 0;
+  entry.has_rival = false;
   entry.next = now + InitialDelay();
 }
 
@@ -37,6 +39,11 @@ void Offers::AnnounceAgain(const ServiceInstance& key, TimePoint now) {
 const Offers::Offer* Offers::Find(const ServiceInstance& key) const {
   const auto found = offers_.find(key);
   return found == offers_.end() ? nullptr : &found->second.offer;
+}
+
+bool Offers::MeetsRival(const ServiceInstance& key) {
+  const auto found = offers_.find(key);
+  return found != offers_.end() && !std::exchange(found->second.has_rival, true);
 }
 
 const instance_t* Offers::FindInstance(service_t service, std::size_t socket) const {

@@ -37,6 +37,8 @@ class Offers {
   void AnnounceAgain(const ServiceInstance& key, TimePoint now);
 
   const Offer* Find(const ServiceInstance& key) const;
+  // Whether somebody else's offer of that instance is the first that is met.
+  bool MeetsRival(const ServiceInstance& key);
   // The instance of `service` that is offered on a socket.
   const instance_t* FindInstance(service_t service, std::size_t socket) const;
   std::vector<ServiceInstance> All() const;
@@ -62,6 +64,7 @@ class Offers {
     Offer offer;
     TimePoint next;          // announcement
     unsigned announced = 0;  // times, up to the end of the repetition phase
+    bool has_rival = false;  // another node has offered the same instance
     std::map<std::pair<eventgroup_t, Endpoint>, Subscription> subscriptions;
   };
   struct Answer {

@@ -4,10 +4,14 @@
 #include <vector>
 
 #include "core_types/optional.h"
+#include "core_types/record_equality.h"
 
 /// The record of the chargetimemanager field. Every member is optional; `enumerate` lists the members with their data
 /// ids, in the order in which they go on the wire.
 namespace kro::services::chargetimemanager::datatypes {
+
+using ara::core::records::operator==;
+using ara::core::records::operator!=;
 
 /// Requests for and results of charge-time calculations. Can be written.
 struct DT_chargeTimeCalculations_struct {

@@ -3,10 +3,14 @@
 #include <cstdint>
 
 #include "core_types/optional.h"
+#include "core_types/record_equality.h"
 
 /// The records of the energysystem fields. Every member is optional; `enumerate` lists the members with their data ids,
 /// in the order in which they go on the wire. The interface model names no units.
 namespace kro::services::energysystem::datatypes {
+
+using ara::core::records::operator==;
+using ara::core::records::operator!=;
 
 /// A high-voltage battery.
 struct DT_highVoltageBatteries_struct {

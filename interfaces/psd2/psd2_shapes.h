@@ -5,12 +5,16 @@
 #include <vector>
 
 #include "core_types/optional.h"
+#include "core_types/record_equality.h"
 
 /// Shapes that recur throughout the psd2 records. Every member of every record is optional and held in a heap
 /// allocation of its own; `enumerate` lists the members with their data ids, in the order in which they go on the wire.
 /// The interface model fixes the widths of numbers only: all are unsigned here, which is this library's choice (a
 /// negative number is its two's complement, a float its bits). It names no units.
 namespace kro::services::psd2::datatypes {
+
+using ara::core::records::operator==;
+using ara::core::records::operator!=;
 
 /// A record around one value: the extra nesting is part of the wire form.
 template <typename T>

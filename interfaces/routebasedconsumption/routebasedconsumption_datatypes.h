@@ -3,12 +3,16 @@
 #include <cstdint>
 
 #include "core_types/optional.h"
+#include "core_types/record_equality.h"
 
 /// The records of the routebasedconsumption fields. Every member is optional; `enumerate` lists the members with their
 /// data ids, in the order in which they go on the wire. Where a record mixes numbers, the physical values (speeds,
 /// ratios, energies, consumptions) are floats and the identifiers and counters unsigned: which member is which is this
 /// library's choice, noted at the member. The interface model names no units.
 namespace kro::services::routebasedconsumption::datatypes {
+
+using ara::core::records::operator==;
+using ara::core::records::operator!=;
 
 /// The state of the consumption service.
 struct DT_status_struct {

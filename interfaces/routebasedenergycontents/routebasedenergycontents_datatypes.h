@@ -3,11 +3,15 @@
 #include <cstdint>
 
 #include "core_types/optional.h"
+#include "core_types/record_equality.h"
 
 /// The records of the routebasedenergycontents fields. Every member is optional; `enumerate` lists the members with
 /// their data ids, in the order in which they go on the wire. The interface model fixes the members' widths only: all
 /// are unsigned here, which is this library's choice. It names no units.
 namespace kro::services::routebasedenergycontents::datatypes {
+
+using ara::core::records::operator==;
+using ara::core::records::operator!=;
 
 /// The destinations of the route.
 struct DT_destinations_struct {

@@ -1,13 +1,40 @@
 #include "platform/com/service_offers.h"
 
 #include <algorithm>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "core_types/com_exception.h"
 
 namespace ara::com::internal {
 
+namespace {
+
+std::optional<InstanceIdentifier> CanonicalName(const InstanceIdentifier& instance,
+                                                const std::vector<ServiceBinding*>& bindings) {
+  for (ServiceBinding* const binding : bindings) {
+    if (auto canonical = binding->Canonical(instance)) {
+      return canonical;
+    }
+  }
+  return std::nullopt;
+}
+
+std::string Name(const InstanceIdentifier& instance, std::uint16_t araServiceId) {
+  return "Instance \"" + instance.ToString() + "\" of service " + std::to_string(araServiceId);
+}
+
+}  // namespace
+
 bool ServiceOffers::Offer(skeleton::ServiceBase& service, std::uint16_t araServiceId,
                           const InstanceIdentifier& instance, const std::vector<ServiceBinding*>& bindings) {
-  const Key key{&service, araServiceId};
-  if (!Reserve(key, instance)) {
+  const auto canonical = CanonicalName(instance, bindings);
+  if (!canonical) {
+    return false;
+  }
+  Claims::iterator claim;
+  if (!MakeClaim({&service, araServiceId, *canonical, instance, Claim::State::kBeingOffered, {}}, claim)) {
     return true;
   }
   Adapters adapters;
@@ -18,58 +45,78 @@ bool ServiceOffers::Offer(skeleton::ServiceBase& service, std::uint16_t araServi
       }
     }
   } catch (...) {
-    Store(key, instance, {});
+    adapters.clear();
+    GiveUp(claim);
     throw;
   }
-  const bool offered = !adapters.empty();
-  Store(key, instance, std::move(adapters));
-  return offered;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (claim->state == Claim::State::kBeingOffered && !adapters.empty()) {
+      claim->adapters = std::move(adapters);
+      claim->state = Claim::State::kStands;
+      return true;
+    }
+  }
+  const bool is_carried = !adapters.empty();
+  adapters.clear();
+  GiveUp(claim);
+  if (is_carried) {
+    throw IllegalStateException(Name(instance, araServiceId) + " was withdrawn while it was being offered");
+  }
+  return false;
 }
 
 void ServiceOffers::Stop(const skeleton::ServiceBase& service, std::uint16_t araServiceId) {
-  std::vector<Instance> instances;
-  {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    if (auto node = offers_.extract(Key{&service, araServiceId})) {
-      instances = std::move(node.mapped());
+  for (;;) {
+    auto latest = claims_.end();
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      for (auto claim = claims_.begin(); claim != claims_.end(); ++claim) {
+        if (claim->service != &service || claim->ara_service_id != araServiceId) {
+          continue;
+        }
+        if (claim->state == Claim::State::kStands) {
+          latest = claim;
+        } else if (claim->state == Claim::State::kBeingOffered) {
+          claim->state = Claim::State::kToBeWithdrawn;
+        }
+      }
+      if (latest == claims_.end()) {
+        return;
+      }
+      latest->state = Claim::State::kBeingWithdrawn;
     }
-  }
-  while (!instances.empty()) {
-    instances.pop_back();
+    latest->adapters.clear();  // nobody else touches them in that state
+    GiveUp(latest);
   }
 }
 
-// False when the instance is offered, or being offered, already.
-bool ServiceOffers::Reserve(const Key& key, const InstanceIdentifier& instance) {
+// False when the same skeleton offers the instance already, under the same name.
+bool ServiceOffers::MakeClaim(Claim wanted, Claims::iterator& claim) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  auto& instances = offers_[key];
-  const bool exists = std::any_of(instances.begin(), instances.end(),
-                                  [&](const Instance& other) { return other.identifier == instance; });
-  if (!exists) {
-    instances.push_back({instance, {}});
+  const auto known = std::find_if(claims_.begin(), claims_.end(), [&](const Claim& other) {
+    return other.ara_service_id == wanted.ara_service_id && other.canonical == wanted.canonical;
+  });
+  if (known == claims_.end()) {
+    claim = claims_.insert(claims_.end(), std::move(wanted));
+    return true;
   }
-  return !exists;
+  const std::string name = Name(wanted.identifier, wanted.ara_service_id);
+  if (known->service != wanted.service) {
+    throw IllegalStateException(name + " is offered already, by another skeleton of this process");
+  }
+  if (known->identifier != wanted.identifier) {
+    throw IllegalStateException(name + " is offered already, as \"" + known->identifier.ToString() + "\"");
+  }
+  if (known->state != Claim::State::kStands) {
+    throw IllegalStateException(name + " is being offered or withdrawn by another thread");
+  }
+  return false;
 }
 
-// Puts the adapters in the reserved place, or gives the place back where there are none. Where the offer was withdrawn
-// meanwhile, the adapters are destroyed at once.
-void ServiceOffers::Store(const Key& key, const InstanceIdentifier& instance, Adapters adapters) {
+void ServiceOffers::GiveUp(Claims::iterator claim) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  const auto offer = offers_.find(key);
-  if (offer == offers_.end()) {
-    return;  // the parameter is destroyed after the lock is released
-  }
-  auto& instances = offer->second;
-  const auto place = std::find_if(instances.begin(), instances.end(),
-                                  [&](const Instance& other) { return other.identifier == instance; });
-  if (place != instances.end() && adapters.empty()) {
-    instances.erase(place);
-  } else if (place != instances.end()) {
-    place->adapters = std::move(adapters);
-  }
-  if (instances.empty()) {
-    offers_.erase(offer);
-  }
+  claims_.erase(claim);
 }
 
 }  // namespace ara::com::internal

@@ -1,10 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
+#include <list>
 #include <memory>
 #include <mutex>
-#include <utility>
 #include <vector>
 
 #include "ara/com/internal/skeleton/service_impl_base.h"
@@ -13,30 +12,38 @@
 
 namespace ara::com::internal {
 
-/// The services that the process offers, with the adapters that serve them, which are owned here alone. All operations
-/// may be called from any thread, from get handlers too: no lock is held while adapters are made or destroyed.
+/// The service instances that the process offers, with the adapters that serve them, which are owned here alone. An
+/// instance is claimed before its first adapter is made, until its last one is gone. All operations may be called from
+/// any thread, from get handlers too: no lock is held while adapters are made or destroyed, and nobody waits.
 class ServiceOffers {
  public:
-  /// Offers one instance through every binding that carries it, unless it is offered already. False when none does.
-  /// What a binding throws passes; the instance is not offered then.
+  /// Offers one instance through every binding that carries it, unless `service` offers it already under that name.
+  /// False when none does. Throws IllegalStateException when the instance is claimed otherwise: by another skeleton, in
+  /// another spelling, by another thread that is offering or withdrawing it; or when it was withdrawn meanwhile. What a
+  /// binding throws passes. Nothing of the instance is offered then.
   bool Offer(skeleton::ServiceBase& service, std::uint16_t araServiceId, const InstanceIdentifier& instance,
              const std::vector<ServiceBinding*>& bindings);
-  /// Destroys the adapters of all instances, the latest first.
+  /// Destroys the adapters of all instances, the latest first. An instance that another thread is offering is withdrawn
+  /// by that thread.
   void Stop(const skeleton::ServiceBase& service, std::uint16_t araServiceId);
 
  private:
-  using Key = std::pair<const skeleton::ServiceBase*, std::uint16_t>;
   using Adapters = std::vector<std::unique_ptr<skeleton::ServiceImplBase>>;
-  struct Instance {
+  struct Claim {
+    const skeleton::ServiceBase* service;
+    std::uint16_t ara_service_id;
+    InstanceIdentifier canonical;  // tells instances apart
     InstanceIdentifier identifier;
-    Adapters adapters;  // empty while they are being made
+    enum class State { kBeingOffered, kToBeWithdrawn, kStands, kBeingWithdrawn } state;
+    Adapters adapters;
   };
+  using Claims = std::list<Claim>;
 
-  bool Reserve(const Key& key, const InstanceIdentifier& instance);
-  void Store(const Key& key, const InstanceIdentifier& instance, Adapters adapters);
+  bool MakeClaim(Claim wanted, Claims::iterator& claim);
+  void GiveUp(Claims::iterator claim);
 
-  std::mutex mutex_;  // guards offers_
-  std::map<Key, std::vector<Instance>> offers_;
+  std::mutex mutex_;  // guards claims_
+  Claims claims_;     // in the order in which they were made
 };
 
 }  // namespace ara::com::internal

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
+#include <stdexcept>
 
 #include <vsomeip/vsomeip.hpp>
 
@@ -18,21 +20,33 @@ class ARA_PLATFORM_API VSomeIPConnection {
   VSomeIPConnection(const VSomeIPConnection&) = delete;
   VSomeIPConnection& operator=(const VSomeIPConnection&) = delete;
 
-  /// The application object, initialised and started. Throws std::runtime_error when the stack cannot be started.
-  std::shared_ptr<::vsomeip::application> Application();
+  /// The application object. It is there once DoRequestService() or Runtime::Init() has returned, and never changes:
+  /// before that, std::runtime_error is thrown. Takes no lock.
+  const std::shared_ptr<::vsomeip::application>& Application() const {
+    const auto* const application = application_.load(std::memory_order_acquire);
+    if (application == nullptr) {
+      throw std::runtime_error("The SOME/IP stack has not been started");
+    }
+    return *application;
+  }
   /// The stack's factory of messages and payloads.
-  std::shared_ptr<::vsomeip::runtime> MessageRuntime();
+  static std::shared_ptr<::vsomeip::runtime> MessageRuntime() { return ::vsomeip::runtime::get(); }
 
-  /// Starts looking for a service instance. Requests are counted per service instance: the stack sees the first of them
-  /// and the release that balances the last.
+  /// Starts looking for a service instance, and before that the stack, if need be: throws std::runtime_error when it
+  /// cannot be started. Requests are counted per service instance: the stack sees the first of them and the release that
+  /// balances the last.
   void DoRequestService(const common::ServiceInstance& service);
   void DoReleaseService(const common::ServiceInstance& service);
 
   static VSomeIPConnection instance_;
 
  private:
+  friend class StackThread;  // who starts the application, and owns it
+
   constexpr VSomeIPConnection() noexcept = default;
   ~VSomeIPConnection() = default;
+
+  std::atomic<const std::shared_ptr<::vsomeip::application>*> application_{nullptr};
 };
 
 /// A service instance together with one request for it.

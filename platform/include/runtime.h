@@ -46,11 +46,12 @@ class ARA_PLATFORM_API Runtime {
                                                               const InstanceIdentifier& instance);
 
   /// Offers a skeleton as one instance of a service, through every binding that carries it, until StopOfferService; an
-  /// offer that stands already is left alone. Throws IllegalStateException when the skeleton is of another interface,
+  /// offer of the same skeleton that stands already is left alone. Throws IllegalStateException when the skeleton is of
+  /// another interface, when the process offers that instance otherwise, or when it was withdrawn meanwhile;
   /// ComErrorDomainException (kServiceNotAvailable) when no binding carries the service or the instance.
   static void OfferService(skeleton::ServiceBase& service, std::uint16_t araServiceId, InstanceIdentifier instance);
   /// Withdraws all instances of a skeleton's service, the latest first. Returns when nothing of them is being called
-  /// any more.
+  /// any more, but for what other threads are withdrawing.
   static void StopOfferService(skeleton::ServiceBase& service, std::uint16_t araServiceId);
 };
 

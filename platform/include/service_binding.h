@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "platform/include/find_service.h"
 #include "platform/include/instance_identifier.h"
@@ -40,6 +41,9 @@ class ServiceBinding {
   virtual std::shared_ptr<proxy::ProxyFactory> GetProxyFactory(std::uint16_t araServiceId,
                                                                const InstanceIdentifier& instance) = 0;
 
+  /// The one spelling of an instance that may be written in several ways ("7", "0x7"); empty when `instance` is no
+  /// instance of this transport.
+  virtual std::optional<InstanceIdentifier> Canonical(const InstanceIdentifier& instance) = 0;
   /// Offers one instance of `service` and returns what serves it, the binding's adapter: destroying that withdraws the
   /// offer. Empty when unknown, or when `instance` is no instance of this transport. Throws IllegalStateException when
   /// `service` is a skeleton of another interface.

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "ara/com/internal/vsomeip/proxy/handler_calls.h"
-#include "platform/include/connection.h"
 #include "platform/include/service_availability.h"
 #include "platform/vsomeipbinding/stack_thread.h"
 
@@ -39,7 +38,7 @@ class AvailabilityTable {
   }
 
   std::uint64_t Register(const ServiceInstance& service, const std::function<void(bool)>& handler) {
-    const auto application = runtime::VSomeIPConnection::instance_.Application();
+    const auto application = runtime::StackThread::Get().Start();
     const Key key{service.service, service.instance, service.major};
     const std::lock_guard<std::mutex> lock(mutex_);
     const std::uint64_t token = ++last_token_;

@@ -28,12 +28,8 @@ struct Requests {
 
 VSomeIPConnection VSomeIPConnection::instance_;
 
-std::shared_ptr<::vsomeip::application> VSomeIPConnection::Application() { return StackThread::Get().Start(); }
-
-std::shared_ptr<::vsomeip::runtime> VSomeIPConnection::MessageRuntime() { return ::vsomeip::runtime::get(); }
-
 void VSomeIPConnection::DoRequestService(const common::ServiceInstance& service) {
-  const auto application = Application();
+  const auto application = StackThread::Get().Start();
   Requests& requests = Requests::Get();
   const std::lock_guard<std::mutex> lock(requests.mutex);
   std::size_t& count = requests.counts[{service.service, service.instance}];

@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/include/connection.h"
 #include "platform/vsomeipbinding/stack_thread.h"
 
 namespace ara::com::internal::vsomeip::common {
@@ -55,7 +54,7 @@ class MethodTable {
   }
 
   void Register(std::uint16_t serviceId, std::uint16_t instanceId, std::uint16_t methodId, MethodHandler handler) {
-    const auto application = runtime::VSomeIPConnection::instance_.Application();
+    const auto application = runtime::StackThread::Get().Start();
     const std::lock_guard<std::mutex> lock(mutex_);
     auto found = methods_.find({serviceId, instanceId, methodId});
     if (found == methods_.end()) {

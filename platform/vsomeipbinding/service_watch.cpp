@@ -3,8 +3,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/include/connection.h"
 #include "platform/include/transport_identifier.h"
+#include "platform/vsomeipbinding/stack_thread.h"
 #include "platform/vsomeipbinding/version_policy.h"
 
 namespace ara::com::internal::vsomeip::runtime {
@@ -20,7 +20,7 @@ constexpr ::vsomeip::instance_t kNoInstance = 0;
 
 ServiceWatch::ServiceWatch(const VSomeIPServiceMapping::Mapping& mapping)
     : mapping_(mapping),
-      application_(VSomeIPConnection::instance_.Application()),
+      application_(StackThread::Get().Start()),
       answered_at_the_latest_(std::chrono::steady_clock::now() + kDiscoveryTime) {
   application_->register_availability_handler(
       mapping_.GetVSomeIPService(), ::vsomeip::ANY_INSTANCE,

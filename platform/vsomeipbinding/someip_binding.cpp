@@ -1,37 +1,19 @@
 #include "platform/vsomeipbinding/someip_binding.h"
 
-#include <dlfcn.h>
 #include <memory>
 #include <utility>
 #include <vector>
 
 #include "ara/com/internal/vsomeip/skeleton/vsomeip_service_impl_base.h"
 #include "platform/include/binding_registration.h"
-#include "platform/include/connection.h"
 #include "platform/include/runtime.h"
 #include "platform/include/transport_identifier.h"
+#include "platform/vsomeipbinding/service_libraries.h"
+#include "platform/vsomeipbinding/stack_thread.h"
 
 namespace ara::com::internal::vsomeip::runtime {
 
-namespace {
-
-/// VSomeIPServiceMapping::GetMappingForServiceId, which a library that carries services defines, under the name that
-/// the compiler gives it.
-constexpr const char* kLookUpMapping =
-    "_ZN3ara3com8internal7vsomeip7runtime21VSomeIPServiceMapping22GetMappingForServiceIdEt";
-
-/// Looks the function up in every call instead of being linked with it: so this library can be loaded without any
-/// service, one that is loaded later is found too, and one that was never used can be unloaded. What was found once,
-/// the loader keeps for as long as this library is there.
-const VSomeIPServiceMapping::Mapping* FindMapping(std::uint16_t araServiceId) {
-  using LookUp = const VSomeIPServiceMapping::Mapping* (*)(std::uint16_t);
-  const auto lookUp = reinterpret_cast<LookUp>(::dlsym(RTLD_DEFAULT, kLookUpMapping));
-  return lookUp != nullptr ? lookUp(araServiceId) : nullptr;
-}
-
-}  // namespace
-
-void SomeIpBinding::Init() { VSomeIPConnection::instance_.Application(); }
+void SomeIpBinding::Init() { StackThread::Get().Start(); }
 
 ServiceWatch* SomeIpBinding::Watch(std::uint16_t araServiceId) {
   const auto* mapping = FindMapping(araServiceId);
@@ -83,6 +65,11 @@ std::shared_ptr<internal::proxy::ProxyFactory> SomeIpBinding::GetProxyFactory(st
   const auto* mapping = FindMapping(araServiceId);
   const auto instance_id = common::ToTransportIdentifier(instance);
   return mapping != nullptr && instance_id ? mapping->GetProxy(*instance_id) : nullptr;
+}
+
+std::optional<InstanceIdentifier> SomeIpBinding::Canonical(const InstanceIdentifier& instance) {
+  const auto instance_id = common::ToTransportIdentifier(instance);
+  return instance_id ? std::make_optional(common::FromTransportIdentifier(*instance_id)) : std::nullopt;
 }
 
 std::unique_ptr<internal::skeleton::ServiceImplBase> SomeIpBinding::OfferService(

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <map>
 #include <mutex>
+#include <optional>
 
 #include "platform/include/service_binding.h"
 #include "platform/vsomeipbinding/service_watch.h"
@@ -20,6 +21,7 @@ class SomeIpBinding final : public ServiceBinding {
   void StopFindService(std::uint64_t search) override;
   std::shared_ptr<internal::proxy::ProxyFactory> GetProxyFactory(std::uint16_t araServiceId,
                                                                  const InstanceIdentifier& instance) override;
+  std::optional<InstanceIdentifier> Canonical(const InstanceIdentifier& instance) override;
   std::unique_ptr<internal::skeleton::ServiceImplBase> OfferService(internal::skeleton::ServiceBase& service,
                                                                     std::uint16_t araServiceId,
                                                                     const InstanceIdentifier& instance) override;

@@ -7,6 +7,7 @@
 #include <string>
 #include <unistd.h>
 
+#include "platform/include/connection.h"
 #include "platform/vsomeipbinding/platform_log.h"
 
 namespace ara::com::internal::vsomeip::runtime {
@@ -54,7 +55,7 @@ std::shared_ptr<::vsomeip::application> StackThread::Start() {
     const std::lock_guard<std::mutex> lock(mutex_);
     thread_ = std::thread([this, application] { Run(*application); });
     application_ = application;
-    is_started_ = true;
+    VSomeIPConnection::instance_.application_.store(&application_, std::memory_order_release);
   }
   // Only now: what exits first was there last. So the stack's own static objects, which init() has made, are still
   // there when it is stopped, and static proxies made from here on have been destroyed before.
@@ -62,7 +63,10 @@ std::shared_ptr<::vsomeip::application> StackThread::Start() {
   return application;
 }
 
-std::shared_ptr<::vsomeip::application> StackThread::Started() const { return is_started_ ? application_ : nullptr; }
+std::shared_ptr<::vsomeip::application> StackThread::Started() const {
+  const auto* const application = VSomeIPConnection::instance_.application_.load(std::memory_order_acquire);
+  return application != nullptr ? *application : nullptr;
+}
 
 void StackThread::Run(::vsomeip::application& application) {
   try {

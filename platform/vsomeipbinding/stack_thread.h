@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
@@ -35,11 +34,10 @@ class StackThread {
   bool starting_ = false;
 
   std::mutex mutex_;                                     // guards the members below; taken after start_mutex_
-  std::shared_ptr<::vsomeip::application> application_;  // never changes once is_started_ is set
+  std::shared_ptr<::vsomeip::application> application_;  // never changes once the connection points to it
   bool stopped_ = false;
   bool finished_ = false;  // the thread has left the application
   std::condition_variable has_finished_;
-  std::atomic<bool> is_started_{false};  // read without the lock
   std::thread thread_;
 };
 

@@ -7,13 +7,7 @@
 
 #include <vsomeip/vsomeip.hpp>
 
-#include "platform/include/service_instance.h"
-
 namespace ara::com::internal::vsomeip::common {
-
-bool ServiceInstance::operator==(const ServiceInstance& other) const noexcept {
-  return service == other.service && instance == other.instance && major == other.major && minor == other.minor;
-}
 
 ara::core::Optional<std::uint16_t> ToTransportIdentifier(const InstanceIdentifier& identifier) {
   std::string_view text = identifier.ToString();

@@ -3,7 +3,10 @@
 #include <condition_variable>
 #include <future>
 #include <memory>
+#include <stdexcept>
+#include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -76,6 +79,141 @@ TEST(Future, RunsAContinuationOnceOrNever) {
   overwritten = Future<int>();
   replaced.SetResult(1);
   EXPECT_EQ(calls, 2) << "its future was overwritten";
+}
+
+// The result is there when the continuation runs, and it runs when a promise is broken.
+TEST(Future, RunsAContinuationWhenTheResultIsThere) {
+  enum class Way { kSet, kDestroyed, kAssignedOver };
+  for (const Way way : {Way::kSet, Way::kDestroyed, Way::kAssignedOver}) {
+    auto promise = std::make_unique<Promise<int>>();
+    auto future = promise->get_future();
+    int calls = 0;
+    future.then([&] {
+      ++calls;
+      ASSERT_TRUE(future.is_ready());
+      const auto result = future.GetResult();
+      EXPECT_EQ(result.HasValue(), way == Way::kSet);
+      EXPECT_EQ(result, way == Way::kSet ? ara::core::Result<int>(1) : MakeErrorCode(future_errc::broken_promise));
+    });
+    if (way == Way::kSet) {
+      promise->SetResult(1);
+    } else if (way == Way::kDestroyed) {
+      promise.reset();
+    } else {
+      Promise<int> other;
+      auto itsFuture = other.get_future();
+      *promise = std::move(other);
+      promise->SetResult(2);
+      EXPECT_EQ(itsFuture.get(), 2) << "the other promise has moved in";
+    }
+    promise.reset();
+    EXPECT_EQ(calls, 1);
+  }
+}
+
+TEST(Future, AStoreThatThrowsLosesNoContinuation) {
+  struct Value {
+    explicit Value(bool throwing) : throws(throwing) {}
+    Value(Value&& other) : throws(other.throws) {
+      if (std::exchange(other.throws, false)) throw std::runtime_error("no memory");
+    }
+    Value(const Value&) = default;
+    Value& operator=(const Value&) = default;
+    bool throws;
+  };
+  Promise<Value> promise;
+  auto future = promise.get_future();
+  int calls = 0;
+  future.then([&] { ++calls; });
+  ara::core::Result<Value> result{Value(false)};
+  result.value().throws = true;
+  EXPECT_THROW(promise.SetResult(std::move(result)), std::runtime_error);
+  EXPECT_EQ(calls, 0);
+  EXPECT_FALSE(future.is_ready());
+  promise.SetError(MakeErrorCode(future_errc::no_state));
+  EXPECT_EQ(calls, 1);
+}
+
+// What a continuation owns may be the last to own its future, and then goes with it.
+TEST(Future, ReplacingAContinuationDestroysItWithoutALock) {
+  struct Call {
+    Promise<int> promise;
+    Future<int> future{promise.get_future()};
+  };
+  int calls = 0;
+  for (const bool isReady : {false, true}) {
+    for (const bool replacedByNothing : {false, true}) {
+      auto call = std::make_shared<Call>();
+      const std::weak_ptr<Call> weak = call;
+      auto* const future = &call->future;
+      if (isReady) {
+        call->promise.SetResult(1);
+        calls = 0;
+      } else {
+        future->then([call] { FAIL() << "it was replaced"; });
+        call.reset();
+      }
+      if (replacedByNothing) {
+        future->then(nullptr);
+      } else {
+        future->then([&] { ++calls; });
+      }
+      call.reset();
+      EXPECT_TRUE(weak.expired());
+      EXPECT_EQ(calls, isReady && !replacedByNothing ? 1 : 0);
+    }
+  }
+}
+
+TEST(Future, ThenNothingTakesTheContinuationBack) {
+  Promise<int> promise;
+  auto future = promise.get_future();
+  future.then([] { FAIL() << "it was taken back"; });
+  future.then(nullptr);
+  promise.SetResult(1);
+  future.then(nullptr);
+}
+
+TEST(Future, WhatAContinuationThrowsGoesToWhoSetTheResult) {
+  Promise<int> promise;
+  auto future = promise.get_future();
+  future.then([] { throw std::runtime_error("thrown"); });
+  EXPECT_THROW(promise.SetResult(1), std::runtime_error);
+  EXPECT_EQ(future.get(), 1) << "the result is set";
+
+  for (const bool isException : {true, false}) {
+    auto broken = std::make_unique<Promise<int>>();
+    auto itsFuture = broken->get_future();
+    itsFuture.then([isException] {
+      if (isException) throw std::runtime_error("thrown");
+      throw 1;
+    });
+    testing::internal::CaptureStderr();
+    broken.reset();
+    const std::string text = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(text, std::string("A continuation has thrown when its promise was broken: ") +
+                        (isException ? "thrown\n" : "what it threw is no exception\n"));
+  }
+}
+
+// Each runs on a thread of its own and destroys the other's future.
+TEST(Future, TwoContinuationsMayDestroyEachOthersFutures) {
+  Promise<int> promises[2];
+  std::unique_ptr<Future<int>> futures[2];
+  std::promise<void> entered[2];
+  for (std::size_t i : {0U, 1U}) {
+    futures[i] = std::make_unique<Future<int>>(promises[i].get_future());
+    futures[i]->then([&, i] {
+      entered[i].set_value();
+      entered[1 - i].get_future().wait();
+      futures[1 - i].reset();
+    });
+  }
+  std::thread other([&] { promises[1].SetResult(1); });
+  promises[0].SetResult(1);
+  other.join();
+  EXPECT_EQ(futures[0], nullptr);
+  EXPECT_EQ(futures[1], nullptr);
 }
 
 TEST(Future, AContinuationMayDestroyItsOwnFuture) {

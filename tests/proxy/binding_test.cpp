@@ -1,6 +1,8 @@
+#include <functional>
 #include <stdexcept>
 #include <tuple>
 
+#include "registry/lookup_registry.h"
 #include "registry/service_mapping.h"
 #include "registry/service_mapping_impl.h"
 #include "tests/proxy/proxy_fixture.h"
@@ -9,6 +11,7 @@ namespace {
 
 using namespace proxy_test;
 using ara::com::internal::vsomeip::runtime::AraComVSomeIPServiceMapping;
+using ara::com::internal::vsomeip::runtime::LookUp;
 using ara::com::internal::vsomeip::runtime::ServiceIdRegistry;
 using ara::com::internal::vsomeip::runtime::VSomeIPServiceIdRegistry;
 using ara::com::internal::vsomeip::runtime::VSomeIPServiceMapping;
@@ -91,19 +94,28 @@ TEST_F(BindingTest, TheRegistryKnowsTheFiveServicesByBothIds) {
 
 TEST_F(BindingTest, TheFirstRegisteredLookupThatKnowsAnIdWins) {
   const auto* const psd2 = AraComVSomeIPServiceMapping::GetMappingForServiceId(9235);
+  const auto* const energysystem = AraComVSomeIPServiceMapping::GetMappingForServiceId(56470);
   VSomeIPServiceMapping::MultiMapping twice;
   twice.InsertMapping(psd2);
   twice.InsertMapping(psd2);
   EXPECT_EQ(twice.size(), 1U);
 
-  ServiceIdRegistry().push_back([psd2](std::uint16_t) { return psd2; });
-  VSomeIPServiceIdRegistry().push_back([twice](std::uint16_t) { return twice; });
-  EXPECT_EQ(VSomeIPServiceMapping::GetMappingForServiceId(1), psd2);
-  EXPECT_EQ(VSomeIPServiceMapping::GetMappingForServiceId(56470)->GetServiceId(), 56470);
-  EXPECT_EQ(VSomeIPServiceMapping::GetMappingForVSomeIPServiceId(1).count(9235), 1U);
-  EXPECT_EQ(VSomeIPServiceMapping::GetMappingForVSomeIPServiceId(24581).count(9235), 0U) << "entries are not merged";
-  ServiceIdRegistry().pop_back();
-  VSomeIPServiceIdRegistry().pop_back();
+  ServiceIdRegistry lookups{&AraComVSomeIPServiceMapping::GetMappingForServiceId};
+  EXPECT_EQ(LookUp(lookups, 1), nullptr);
+  lookups.push_back([psd2](std::uint16_t) { return psd2; });
+  EXPECT_EQ(LookUp(lookups, 1), psd2);
+  EXPECT_EQ(LookUp(lookups, 56470), energysystem);
+  VSomeIPServiceIdRegistry someipLookups{&AraComVSomeIPServiceMapping::GetMappingForVSomeIPServiceId};
+  someipLookups.push_back([twice](std::uint16_t) { return twice; });
+  EXPECT_EQ(LookUp(someipLookups, 1).count(9235), 1U);
+  EXPECT_EQ(LookUp(someipLookups, 24581).size(), 1U) << "entries are not merged";
+  EXPECT_EQ(LookUp(someipLookups, 24581).count(56470), 1U);
+
+  // What a lookup throws passes, and an empty one is the standard library's error.
+  lookups = {[](std::uint16_t) -> const VSomeIPServiceMapping::Mapping* { throw std::out_of_range("gone"); }};
+  EXPECT_THROW(LookUp(lookups, 1), std::out_of_range);
+  EXPECT_THROW(LookUp(VSomeIPServiceIdRegistry{nullptr}, 1), std::bad_function_call);
+  EXPECT_EQ(LookUp(ServiceIdRegistry{}, 56470), nullptr);
 }
 
 }  // namespace

@@ -1,11 +1,8 @@
 #pragma once
 
-#include <algorithm>
 #include <list>
 #include <mutex>
 #include <vector>
-
-#include "core_types/running_calls.h"
 
 namespace ara::com::internal::skeleton {
 
@@ -19,36 +16,24 @@ class DispatcherBase {
     const std::lock_guard<std::mutex> lock(dispatcher_mutex_);
     bindings_.push_back(&binding);
   }
-  /// Afterwards the binding is not being called, unless it is such a call that detaches it.
   void Detach(ServiceImplBase& binding) {
-    {
-      const std::lock_guard<std::mutex> lock(dispatcher_mutex_);
-      bindings_.remove(&binding);
-    }
-    running_.WaitForOtherThreads();
+    const std::lock_guard<std::mutex> lock(dispatcher_mutex_);
+    bindings_.remove(&binding);
   }
 
  protected:
   DispatcherBase() = default;
   ~DispatcherBase() = default;
 
-  /// Calls `call` with each attached binding, in order and with no lock held, until it returns false.
-  template <typename Call>
-  void ForEachBinding(Call call) {
-    const ara::core::internal::RunningCalls::Scope running(running_);
-    std::vector<ServiceImplBase*> bindings;
-    {
-      const std::lock_guard<std::mutex> lock(dispatcher_mutex_);
-      bindings.assign(bindings_.begin(), bindings_.end());
-    }
-    static_cast<void>(
-        std::all_of(bindings.begin(), bindings.end(), [&](ServiceImplBase* binding) { return call(*binding); }));
+  std::vector<ServiceImplBase*> AttachedBindings() {
+    const std::lock_guard<std::mutex> lock(dispatcher_mutex_);
+    return {bindings_.begin(), bindings_.end()};
   }
 
  private:
+  // The order of the members is fixed.
   std::list<ServiceImplBase*> bindings_;
   std::mutex dispatcher_mutex_;  // guards the list
-  ara::core::internal::RunningCalls running_;
 };
 
 }  // namespace ara::com::internal::skeleton

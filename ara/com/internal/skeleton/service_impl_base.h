@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <stdexcept>
 #include <utility>
@@ -8,6 +9,7 @@
 #include "ara/com/internal/skeleton/service_base.h"
 #include "ara/com/method_call_processing_mode.h"
 #include "core_types/promise.h"
+#include "core_types/running_calls.h"
 #include "platform/include/instance_identifier.h"
 
 namespace ara::com::internal::skeleton {
@@ -38,6 +40,12 @@ class ServiceImplBase : public DispatcherBase<ServiceBase>, public ServiceBase {
     return promise.get_future();
   }
 
+  /// Removes a binding. Afterwards it is not being called, unless it is such a call that detaches it.
+  void Detach(ServiceImplBase& binding) {
+    DispatcherBase::Detach(binding);
+    binding_calls_.WaitForOtherThreads();
+  }
+
   const InstanceIdentifierContainer& GetInstanceIdentifiers() const noexcept { return instances_; }
   MethodCallProcessingMode GetMethodCallProcessingMode() const noexcept { return mode_; }
 
@@ -50,8 +58,19 @@ class ServiceImplBase : public DispatcherBase<ServiceBase>, public ServiceBase {
   }
 
  private:
+  /// Calls `call` with each attached binding, in order and with no lock held, until it returns false.
+  template <typename Call>
+  void ForEachBinding(Call call) {
+    const ara::core::internal::RunningCalls::Scope running(binding_calls_);
+    const auto bindings = AttachedBindings();
+    static_cast<void>(
+        std::all_of(bindings.begin(), bindings.end(), [&](ServiceImplBase* binding) { return call(*binding); }));
+  }
+
+  // The order of the first two is fixed, after that of the base.
   const InstanceIdentifierContainer instances_;
   std::atomic<MethodCallProcessingMode> mode_{MethodCallProcessingMode::kEvent};
+  ara::core::internal::RunningCalls binding_calls_;
 };
 
 }  // namespace ara::com::internal::skeleton

@@ -24,12 +24,14 @@ class SkeletonField {
 
   /// Sets the value and, while the service is offered, notifies every subscriber. Each field must be set before the
   /// service can be offered. Updates from several threads reach the subscribers in the order in which they set the
-  /// value.
+  /// value. Throws what the stack throws for a value that it cannot send (the embedded one std::length_error, above 16
+  /// MiB): the field keeps the former value then.
   void Update(const T& value) {
+    T next = value;  // also where `value` refers to what is replaced
     const std::lock_guard<std::mutex> lock(holder_->mutex);
-    holder_->value = value;
+    SendToBindings(next);
+    std::swap(holder_->value, next);
     holder_->has_value = true;
-    SendToBindings(value);
   }
 
   /// Sets what answers getter requests. Without one, a getter is answered with an error. The handler runs on a thread
@@ -132,8 +134,8 @@ class SkeletonField {
   std::mutex bindings_mutex_;  // guards the list, and is held while its members are called; taken last
 
   GetHandler<T> handler_;
-  std::uint64_t handler_version_ = 0;
-  std::mutex handler_mutex_;  // guards both
+  std::mutex handler_mutex_;           // guards the handler and its version
+  std::uint64_t handler_version_ = 0;  // counts the handlers
 };
 
 }  // namespace ara::com::internal::skeleton

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "ara/com/internal/skeleton/offer_gate.h"
 #include "ara/com/internal/skeleton/service_impl_base.h"
 #include "core_types/com_exception.h"
 #include "core_types/type_list.h"
@@ -21,29 +22,48 @@ class TypedServiceImplBase : public ServiceImplBase {
   using ServiceImplBase::ServiceImplBase;
 
   /// Checks that each field has a value, in the interface's check order, and offers every instance. Throws
-  /// IllegalStateException, before anything is offered, for the first field without one. Whatever else goes wrong,
-  /// nothing stays offered.
+  /// IllegalStateException, before anything is offered, for the first field without one; and where a get handler asks
+  /// for it while another thread offers or withdraws, or where the offer was withdrawn while it was being made. Whatever
+  /// goes wrong, nothing stays offered.
   template <typename Interface>
   void Offer() {
+    static_assert(ara::core::internal::kIsPermutation<typename Interface::CheckOrder, typename Interface::Fields>,
+                  "CheckOrder must list each of the interface's Fields once");
     ara::core::internal::ForEachType(typename Interface::CheckOrder{},
                                      [this](auto field) { this->template RequireValue<Interface, decltype(field)>(); });
     Runtime::Init();
+    if (!gate_.BeginOffer()) {
+      throw IllegalStateException("OfferService() called in a get handler while the offer is being made or withdrawn");
+    }
     try {
       for (const InstanceIdentifier& instance : GetInstanceIdentifiers()) {
         Runtime::OfferService(*this, Interface::Service::ara_service_id, instance);
       }
     } catch (...) {
-      StopOffer<Interface>();
+      Withdraw<Interface>();
       throw;
+    }
+    if (!gate_.EndOffer()) {
+      Withdraw<Interface>();
+      throw IllegalStateException("The offer was withdrawn while it was being made");
     }
   }
 
   template <typename Interface>
   void StopOffer() {
-    Runtime::StopOfferService(*this, Interface::Service::ara_service_id);
+    if (gate_.BeginWithdrawal()) {
+      Withdraw<Interface>();
+    }
   }
 
  private:
+  // With the gate.
+  template <typename Interface>
+  void Withdraw() {
+    Runtime::StopOfferService(*this, Interface::Service::ara_service_id);
+    gate_.EndWithdrawal();
+  }
+
   template <typename Interface, typename Descriptor>
   void RequireValue() const {
     if (!(static_cast<const Skeleton*>(this)->*Descriptor::skeleton_field).HasValue()) {
@@ -51,6 +71,8 @@ class TypedServiceImplBase : public ServiceImplBase {
                                   "\" with uninitialized field \"" + Descriptor::name + "\"");
     }
   }
+
+  OfferGate gate_;
 };
 
 }  // namespace ara::com::internal::skeleton

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "core_types/type_list.h"
@@ -27,6 +28,24 @@ struct MutableFieldDescriptor : FieldDescriptor<ServiceDescriptor, GetterMethodI
   static constexpr bool is_mutable = true;
   static constexpr std::uint16_t setter_method_id = GetterMethodId + 1;
 };
+
+/// Whether no two fields of a list share a getter, and with it an event and an eventgroup, and no setter is another
+/// field's getter.
+template <typename Fields>
+inline constexpr bool kHasDistinctIds = false;
+template <typename... Fields>
+inline constexpr bool kHasDistinctIds<ara::core::internal::TypeList<Fields...>> = [] {
+  constexpr std::uint16_t getters[] = {Fields::getter_method_id...};
+  constexpr bool is_mutable[] = {Fields::is_mutable...};
+  for (std::size_t i = 0; i < sizeof...(Fields); ++i) {
+    for (std::size_t j = 0; j < sizeof...(Fields); ++j) {
+      if (i != j && (getters[i] == getters[j] || (is_mutable[i] && getters[i] + 1 == getters[j]))) {
+        return false;
+      }
+    }
+  }
+  return true;
+}();
 
 using ara::core::internal::ForEachType;
 using ara::core::internal::TypeList;

@@ -89,8 +89,8 @@ class MethodImplDelegate {
   MethodImplDelegate(const MethodImplDelegate&) = delete;
   MethodImplDelegate& operator=(const MethodImplDelegate&) = delete;
 
-  /// Sends one request: empty for a getter, with the value as payload for a setter. Throws what the stack throws when
-  /// it cannot be started.
+  /// Sends one request: empty for a getter, with the value as payload for a setter. One that the stack refuses, say for
+  /// its size, fails with kNetworkBindingFailure.
   template <typename... Args>
   ara::core::Future<R> startCall(const Args&... args) {
     if (common::isMethodUndefined(Descriptor::method_id)) {
@@ -98,7 +98,7 @@ class MethodImplDelegate {
       common::abort();
     }
     auto& connection = runtime::VSomeIPConnection::instance_;
-    const auto application = connection.Application();
+    const auto& application = connection.Application();
     const auto request = connection.MessageRuntime()->create_request(false);
     request->set_service(Descriptor::service_id);
     request->set_instance(instance_);
@@ -114,14 +114,20 @@ class MethodImplDelegate {
       // wait.
       const std::lock_guard<std::mutex> lock(mutex_);
       request->set_session(++session_counter_);
-      application->send(request);
+      try {
+        application->send(request);
+      } catch (const std::exception& error) {
+        common::LogWarning(kSource, "startCall", __LINE__) << "The request cannot be sent: " << error.what();
+        promise.SetError(MakeErrorCode(ComErrc::kNetworkBindingFailure));
+        return future;
+      }
       overtaken = pending_calls_.extract(request->get_request());
       Insert(request, std::move(promise));
     }
     if (!overtaken.empty()) {
       common::LogWarning(kSource, "startCall", __LINE__)
           << "Request id " << request->get_request() << " has come around: the older call is given up";
-      overtaken.mapped().promise.SetError(MakeErrorCode(ComErrc::kNetworkBindingFailure));
+      LogThrown([&] { overtaken.mapped().promise.SetError(MakeErrorCode(ComErrc::kNetworkBindingFailure)); });
     }
     return future;
   }
@@ -196,9 +202,8 @@ class MethodImplDelegate {
     pending_calls_.insert(std::move(spare_node_));
   }
 
-  // What a continuation throws is logged: it would leave through the stack's thread, and with other calls unanswered.
   void Complete(PendingCall call, const ::vsomeip::message& response) const {
-    try {
+    LogThrown([&] {
       if (!validateMessage(*call.request, response)) {
         common::LogWarning(kSource, "onMessage", __LINE__) << "Discarding invalid message";
         call.promise.SetError(MakeErrorCode(ComErrc::kNetworkBindingFailure));
@@ -207,6 +212,15 @@ class MethodImplDelegate {
       } else {
         detail::SetResult(call.promise, response);
       }
+    });
+  }
+
+  // What a continuation throws is logged: it would leave through the stack's thread, and with other calls unanswered,
+  // or through another call of the application.
+  template <typename Action>
+  static void LogThrown(Action action) {
+    try {
+      action();
     } catch (const std::exception& error) {
       common::LogWarning(kSource, "onMessage", __LINE__) << "A continuation has thrown: " << error.what();
     } catch (...) {

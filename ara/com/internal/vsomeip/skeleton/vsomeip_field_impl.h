@@ -9,6 +9,7 @@
 #include <vsomeip/vsomeip.hpp>
 
 #include "ara/com/internal/skeleton/field.h"
+#include "ara/com/internal/skeleton/offer_gate.h"
 #include "ara/com/internal/vsomeip/common/logger.h"
 #include "ara/com/internal/vsomeip/skeleton/vsomeip_event_impl.h"
 #include "ara/com/internal/vsomeip/skeleton/vsomeip_service_impl_base.h"
@@ -38,6 +39,7 @@ class FieldImpl : public EventImpl<T, Descriptor>, public virtual internal::skel
       if (!running) {
         return;
       }
+      const internal::skeleton::GetHandlerScope inside;
       try {
         field_.handleGet(request);
       } catch (const std::exception& error) {
