@@ -1,8 +1,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <deque>
 #include <functional>
 #include <future>
+#include <list>
 #include <memory>
 #include <mutex>
 #include <type_traits>
@@ -162,6 +164,9 @@ TEST(LayoutTest, MembersKeepTheirPlaces) {
   const ara::core::internal::State state;
   EXPECT_EQ(static_cast<const void*>(&state.continuation), &state);
   EXPECT_EQ(static_cast<const void*>(&state.lock), &state.continuation + 1);
+  static_assert(sizeof(state) == sizeof(std::function<void()>) + sizeof(std::mutex));
+  static_assert(sizeof(promise) == kStandardPart + sizeof(std::promise<Result>) + sizeof(std::shared_ptr<void>));
+  static_assert(sizeof(future) == kStandardPart + sizeof(std::future<Result>) + sizeof(std::shared_ptr<void>));
 
   using vsomeip::common::ServiceInstance;
   static_assert(offsetof(ServiceInstance, service) == 0 && offsetof(ServiceInstance, instance) == 2 &&
@@ -177,6 +182,61 @@ TEST(LayoutTest, MembersKeepTheirPlaces) {
   EXPECT_EQ((BaseOffset<Skeleton, skeleton::ServiceBase>()), 0);
   EXPECT_EQ((BaseOffset<kro::services::psd2::psd2_binding::vsomeip::Psd2ServiceAdapter, skeleton::ServiceImplBase>()),
             0);
+}
+
+namespace {
+
+/// A binding whose members hold what can be recognised.
+class Binding : public vsomeip::skeleton::ServiceImplBase {
+ public:
+  explicit Binding(skeleton::ServiceBase& service) : ServiceImplBase(service, 0x1122) {}
+  using ServiceImplBase::DispatchMethodCall;
+  using ServiceImplBase::SetMethodCallProcessingMode;
+};
+
+}  // namespace
+
+TEST(LayoutTest, SkeletonsKeepTheirMembersInPlace) {
+  using Instances = InstanceIdentifierContainer;
+  constexpr std::size_t kList = sizeof(void*);  // after the virtual table's pointer, with its element count
+  constexpr std::size_t kInstances = kList + sizeof(std::list<void*>) + sizeof(std::mutex);
+  constexpr std::size_t kMode = kInstances + sizeof(Instances);
+
+  kro::services::psd2::skeleton::Psd2Skeleton map({"1", "2"});
+  skeleton::ServiceImplBase& neutral = map;
+  Binding binding(map);
+  map.SetMethodCallProcessingMode(MethodCallProcessingMode::kEventSingleThread);
+  neutral.Attach(binding);
+  EXPECT_EQ(At<std::size_t>(neutral, kList + 2 * sizeof(void*)), 1U) << "the list's element count";
+  EXPECT_EQ(At<const void*>(neutral, kInstances), map.GetInstanceIdentifiers().data());
+  EXPECT_EQ(At<MethodCallProcessingMode>(neutral, kMode), MethodCallProcessingMode::kEventSingleThread);
+  neutral.Detach(binding);
+  EXPECT_EQ(At<std::size_t>(neutral, kList + 2 * sizeof(void*)), 0U);
+
+  constexpr std::size_t kService = sizeof(skeleton::ServiceImplBase);
+  constexpr std::size_t kQueue = kService + sizeof(void*);
+  constexpr std::size_t kBindingMode = kQueue + sizeof(std::deque<std::function<void()>>);
+  constexpr std::size_t kInstance = kBindingMode + sizeof(void*) + sizeof(std::mutex);
+  binding.SetMethodCallProcessingMode(MethodCallProcessingMode::kEventSingleThread);
+  EXPECT_EQ(At<const void*>(binding, kService), &map);
+  EXPECT_EQ(At<MethodCallProcessingMode>(binding, kBindingMode), MethodCallProcessingMode::kEventSingleThread);
+  EXPECT_EQ(At<std::uint16_t>(binding, kInstance), 0x1122);
+
+  // A field's event part, then a mutex and the get handler.
+  using Descriptor = kro::services::psd2::psd2_binding::vsomeip::descriptors::egoPositionLayer;
+  using Value = Descriptor::ValueType;
+  vsomeip::skeleton::FieldImpl<Value, Descriptor> field(0x1122);
+  EXPECT_EQ(At<std::uint16_t>(field, sizeof(void*)), 0x1122);
+  constexpr std::size_t kHandler = 2 * sizeof(void*) + sizeof(std::mutex);
+  using Handler = skeleton::GetHandler<Value>;
+  EXPECT_FALSE(*reinterpret_cast<const Handler*>(reinterpret_cast<const char*>(&field) + kHandler));
+  static int calls = 0;
+  field.RegisterGetHandler([] {
+    ++calls;
+    return ara::core::Future<Value>();
+  });
+  (*reinterpret_cast<const Handler*>(reinterpret_cast<const char*>(&field) + kHandler))();
+  EXPECT_EQ(calls, 1);
 }
 
 }  // namespace ara::com::internal

@@ -1,8 +1,12 @@
 // Applications in one process: each is a node of its own, so all of this goes over the network.
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <fstream>
 #include <future>
+#include <poll.h>
+#include <string>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -46,6 +50,62 @@ TEST(NodeTest, InstancesOfOneServiceInOneApplicationAreToldApart) {
   EXPECT_EQ(second.Call(kGet).bytes, Bytes{2});
   second.Subscribe();
   EXPECT_TRUE(second.values.WaitForLast({2}));
+}
+
+// Whoever is asked to send what no message can carry is told.
+TEST(NodeTest, WhatIsAboveTheLimitIsRefusedAloud) {
+  constexpr std::size_t kLimit = 16U << 20U;
+  Provider provider({1});
+  Client client;
+  client.Subscribe();
+  ASSERT_TRUE(client.values.WaitForLast({1}));
+  EXPECT_THROW(provider.Notify(Bytes(kLimit + 1)), std::length_error);
+  EXPECT_THROW(client.Send(kReverse, Bytes(kLimit + 1)), std::length_error);
+  EXPECT_EQ(client.Call(kGet).bytes, Bytes{1});
+  provider.Notify(Bytes(kLimit, 7));
+  EXPECT_TRUE(client.values.WaitForLast(Bytes(kLimit, 7), 60s));
+}
+
+// Reads what the process writes to its standard error, until a text has come so often or time is up.
+class ErrorOutput {
+ public:
+  ErrorOutput() : former_(dup(STDERR_FILENO)) {
+    if (pipe(pipe_) == 0) dup2(pipe_[1], STDERR_FILENO);
+  }
+  ~ErrorOutput() {
+    dup2(former_, STDERR_FILENO);
+    for (const int descriptor : {former_, pipe_[0], pipe_[1]}) close(descriptor);
+  }
+  ErrorOutput(const ErrorOutput&) = delete;
+  ErrorOutput& operator=(const ErrorOutput&) = delete;
+
+  std::size_t WaitForCount(const std::string& text, std::size_t wanted) {
+    pollfd readable{pipe_[0], POLLIN, 0};
+    std::size_t count = 0;
+    while (count < wanted && poll(&readable, 1, 10000) == 1) {
+      char buffer[4096];
+      output.append(buffer, static_cast<std::size_t>(std::max(read(pipe_[0], buffer, sizeof(buffer)), ssize_t{0})));
+      count = 0;
+      for (std::size_t at = 0; (at = output.find(text, at)) != std::string::npos; ++at) ++count;
+    }
+    return count;
+  }
+
+  std::string output;
+
+ private:
+  const int former_;
+  int pipe_[2] = {-1, -1};
+};
+
+TEST(NodeTest, TwoProvidersOfOneInstanceAreBothWarned) {
+  ErrorOutput error;
+  Provider first({1});
+  Client client;
+  ASSERT_TRUE(client.availability.WaitForLast(true));
+  Provider second({2});
+  EXPECT_EQ(error.WaitForCount("as well as by this process", 2), 2U) << error.output;
+  ASSERT_TRUE(client.availability.WaitForCount(3)) << "the newcomer takes over";
 }
 
 TEST(NodeTest, ReleasedServiceIsHeardOfAgainWhenItIsRequestedAgain) {

@@ -50,4 +50,26 @@ TEST(Identifiers, OfEveryFieldInTheOrderOfTheClass) {
             "timezoneInformation 4080 c080 c080\n");
 }
 
+template <std::uint16_t Getter, bool Mutable = false>
+struct Field {
+  static constexpr std::uint16_t getter_method_id = Getter;
+  static constexpr bool is_mutable = Mutable;
+};
+
+// What keeps an interface whose lists have drifted from compiling.
+TEST(Identifiers, ListsThatDriftAreNoticed) {
+  using ara::core::internal::kIsPermutation;
+  using First = Field<0x4010>;
+  using Second = Field<0x4020>;
+  static_assert(kIsPermutation<TypeList<First, Second>, TypeList<Second, First>>);
+  static_assert(!kIsPermutation<TypeList<First>, TypeList<First, Second>>, "one is left out");
+  static_assert(!kIsPermutation<TypeList<First, Second>, TypeList<First>>, "one is too many");
+  static_assert(!kIsPermutation<TypeList<First, First>, TypeList<First, Second>>, "one comes twice");
+  static_assert(!kIsPermutation<TypeList<First, Second>, TypeList<First, First>>);
+  static_assert(!kIsPermutation<TypeList<First, Field<0x4030>>, TypeList<First, Second>>, "one is a stranger");
+  static_assert(kHasDistinctIds<TypeList<First, Second, Field<0x4030, true>>>);
+  static_assert(!kHasDistinctIds<TypeList<First, Second, Field<0x4010>>>);
+  static_assert(!kHasDistinctIds<TypeList<Field<0x4010, true>, Field<0x4011>>>, "a setter that is another's getter");
+}
+
 }  // namespace

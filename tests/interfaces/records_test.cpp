@@ -58,6 +58,10 @@ void ExpectRecord(const std::string& hex, const std::string& members) {
   Printer printer;
   Record::enumerate(value[0], printer);
   EXPECT_EQ(printer.out.str(), members) << hex;
+  auto other = value;
+  EXPECT_TRUE(other == value && !(other != value)) << hex;
+  other[0] = Record();
+  EXPECT_EQ(other != value, !members.empty()) << hex;
   ByteVector encoded;
   SequenceContainerSerializer<std::vector<Record>>(value).pushbackTo(encoded);
   EXPECT_EQ(encoded, bytes) << hex;

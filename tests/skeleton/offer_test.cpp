@@ -1,4 +1,5 @@
 #include <atomic>
+#include <future>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -18,9 +19,9 @@ class OfferTest : public SkeletonTest {};
 const auto kOffered = ElementsAre("register_message_handler 606f 7 4040", "register_message_handler 606f 7 4020",
                                   "register_message_handler 606f 7 4030", "register_message_handler 606f 7 4010",
                                   "register_message_handler 606f 7 4050", "offer_service 606f 7 1 1",
-                                  "offer_event 606f 7 c040 c040 1 2 0", "offer_event 606f 7 c020 c020 1 2 0",
-                                  "offer_event 606f 7 c030 c030 1 2 0", "offer_event 606f 7 c010 c010 1 2 0",
-                                  "offer_event 606f 7 c050 c050 1 2 0", "notify 606f 7 c040 4", "notify 606f 7 c020 4",
+                                  "offer_event 606f 7 c040 c040 1 2 0 0 1 0", "offer_event 606f 7 c020 c020 1 2 0 0 1 0",
+                                  "offer_event 606f 7 c030 c030 1 2 0 0 1 0", "offer_event 606f 7 c010 c010 1 2 0 0 1 0",
+                                  "offer_event 606f 7 c050 c050 1 2 0 0 1 0", "notify 606f 7 c040 4", "notify 606f 7 c020 4",
                                   "notify 606f 7 c030 4", "notify 606f 7 c010 e", "notify 606f 7 c050 8");
 const auto kWithdrawn =
     ElementsAre("stop_offer_event 606f 7 c040", "stop_offer_event 606f 7 c020", "stop_offer_event 606f 7 c030",
@@ -102,7 +103,7 @@ TEST_F(OfferTest, Psd2ChecksInOneOrderAndOffersInAnother) {
   }
   order.push_back("offer_service 6122 9 6 0");
   for (const char* const id : {"70", "60", "50", "30", "10", "20", "40", "80"}) {
-    order.push_back(std::string("offer_event 6122 9 c0") + id + " c0" + id + " 1 2 0");
+    order.push_back(std::string("offer_event 6122 9 c0") + id + " c0" + id + " 1 2 0 0 1 0");
   }
   ASSERT_GE(calls.size(), order.size());
   EXPECT_EQ(std::vector(calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(order.size())), order);
@@ -185,6 +186,156 @@ TEST_F(OfferTest, UpdatesFromSeveralThreadsKeepTheirOrder) {
   char last[40];
   std::snprintf(last, sizeof(last), "notify 606f 7 c010 %zx", length);
   EXPECT_EQ(calls[799], last);
+}
+
+std::string ErrorOf(RouteBasedEnergyContentsSkeleton& skeleton) {
+  try {
+    skeleton.OfferService();
+  } catch (const ara::com::IllegalStateException& error) {
+    return error.what();
+  }
+  return "offered";
+}
+
+TEST_F(OfferTest, AnInstanceHasOneSkeleton) {
+  SetAllFields(*skeleton_);
+  skeleton_->rwmStatus.ServeCurrentValue();
+  skeleton_->OfferService();
+  const std::size_t offered = application_.CountLeftovers();
+  {
+    RouteBasedEnergyContentsSkeleton second({"12", "0x7"});
+    SetAllFields(second);
+    EXPECT_EQ(ErrorOf(second),
+              "Instance \"0x7\" of service 40160 is offered already, by another skeleton of this process");
+    EXPECT_EQ(application_.CountLeftovers(), offered) << "neither the first nor more than it";
+  }
+  application_.TakeSent();
+  application_.Deliver(RequestTo(0x4010));
+  EXPECT_EQ(application_.TakeSent().size(), 1U) << "the first still answers";
+  skeleton_->StopOfferService();
+  EXPECT_EQ(application_.CountLeftovers(), 0U);
+
+  RouteBasedEnergyContentsSkeleton twice({"7", "0x7"});
+  SetAllFields(twice);
+  EXPECT_EQ(ErrorOf(twice), "Instance \"0x7\" of service 40160 is offered already, as \"7\"");
+  EXPECT_EQ(application_.CountLeftovers(), 0U);
+  RouteBasedEnergyContentsSkeleton same({"7", "7"});
+  SetAllFields(same);
+  EXPECT_EQ(ErrorOf(same), "offered");
+  EXPECT_EQ(application_.CountLeftovers(), offered);
+}
+
+// What the application believes afterwards, the stack believes.
+TEST_F(OfferTest, OffersAndWithdrawalsOfTwoThreadsTakeTurns) {
+  RouteBasedEnergyContentsSkeleton both({"8", "9"});
+  SetAllFields(both);
+  both.OfferService();
+  const std::size_t offered = application_.CountLeftovers();
+  for (int round = 0; round < 50; ++round) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i) {
+      threads.emplace_back([&both, i] {
+        for (int step = 0; step < 5; ++step) {
+          if ((step + i) % 2 == 0) {
+            both.OfferService();
+          } else {
+            both.StopOfferService();
+          }
+        }
+      });
+    }
+    for (auto& thread : threads) {
+      thread.join();
+    }
+    both.OfferService();
+    ASSERT_EQ(application_.CountLeftovers(), offered) << round;
+    both.StopOfferService();
+    ASSERT_EQ(application_.CountLeftovers(), 0U) << round;
+  }
+}
+
+// A thread in a get handler is waited for, so it cannot wait.
+TEST_F(OfferTest, AGetHandlerMayEndAnOfferThatIsEndingOrBeginning) {
+  SetAllFields(*skeleton_);
+  std::promise<void> entered;
+  std::promise<void> ending;
+  std::string error;
+  skeleton_->rwmStatus.RegisterGetHandler([&] {
+    entered.set_value();
+    ending.get_future().wait();
+    error = ErrorOf(*skeleton_);
+    skeleton_->StopOfferService();
+    return ara::core::Promise<Status>().get_future();
+  });
+  skeleton_->OfferService();
+  application_.on_call = [&](const std::string& call) {
+    if (call == "stop_offer_service 606f 7") {
+      ending.set_value();
+    }
+  };
+  std::thread network([this] { application_.Deliver(RequestTo(0x4010)); });
+  entered.get_future().wait();
+  testing::internal::CaptureStderr();
+  skeleton_->StopOfferService();
+  network.join();
+  EXPECT_EQ(error, "OfferService() called in a get handler while the offer is being made or withdrawn");
+  EXPECT_EQ(application_.CountLeftovers(), 0U);
+
+  // In the middle of an offer: it is taken back as soon as it stands, and who makes it is told.
+  skeleton_->rwmStatus.RegisterGetHandler([&] {
+    skeleton_->StopOfferService();
+    return ara::core::Promise<Status>().get_future();
+  });
+  application_.on_call = [&](const std::string& call) {
+    if (call.rfind("notify 606f 7 c010", 0) == 0) {
+      std::thread([this] { application_.Deliver(RequestTo(0x4010)); }).join();
+    }
+  };
+  EXPECT_EQ(ErrorOf(*skeleton_), "The offer was withdrawn while it was being made");
+  application_.on_call = nullptr;
+  EXPECT_EQ(application_.CountLeftovers(), 0U);
+  skeleton_->rwmStatus.ServeCurrentValue();
+  EXPECT_EQ(ErrorOf(*skeleton_), "offered");
+  testing::internal::GetCapturedStderr();
+}
+
+TEST_F(OfferTest, AValueThatTheStackRefusesIsReportedAndForgotten) {
+  SetAllFields(*skeleton_);
+  skeleton_->rwmStatus.ServeCurrentValue();
+  skeleton_->OfferService();
+  application_.on_call = [](const std::string& call) {
+    if (call.rfind("notify", 0) == 0) {
+      throw std::length_error("too long");
+    }
+  };
+  EXPECT_THROW(skeleton_->rwmStatus.Update(Status(3)), std::length_error);
+  application_.on_call = nullptr;
+  std::size_t length = 0;
+  application_.on_send = [&](const Message& response) { length = response->get_payload()->get_length(); };
+  application_.Deliver(RequestTo(0x4010));
+  EXPECT_EQ(length, 14U) << "the value that every subscriber has";
+}
+
+struct Undefined
+    : kro::services::routebasedenergycontents::routebasedenergycontents_binding::vsomeip::descriptors::rwmStatus {
+  static constexpr std::uint16_t event_id = 0xFFFF;
+};
+
+// An event that the platform reports as undefined is passed over when it is offered; sending it ends the process.
+TEST_F(OfferTest, UndefinedEventsAreNotOffered) {
+  class Binding final : public ara::com::internal::vsomeip::skeleton::ServiceImplBase {
+   public:
+    explicit Binding(ara::com::internal::skeleton::ServiceBase& service) : ServiceImplBase(service, kInstance) {}
+    using ServiceImplBase::OfferEvent;
+  } binding(*skeleton_);
+  const std::uint16_t groups[] = {0xC010};
+  testing::internal::CaptureStderr();
+  binding.OfferEvent(kService, kInstance, 0xFFFF, groups, true, nullptr);
+  EXPECT_THAT(application_.TakeCalls(), ElementsAre());
+  testing::internal::GetCapturedStderr();
+
+  ara::com::internal::vsomeip::skeleton::EventImpl<Status, Undefined> event(kInstance);
+  EXPECT_DEATH(event.Send(StatusOf(1)), "65535 is undefined");
 }
 
 TEST_F(OfferTest, AThousandRoundsLeaveNothingBehind) {

@@ -38,9 +38,10 @@ class Recorder final : public RecordingApplication {
     Forget(offered_, {service, instance, 0});
   }
   void offer_event(service_t service, instance_t instance, event_t event, const std::set<eventgroup_t>& groups,
-                   event_type_e type, Milliseconds cycle, bool, bool, const epsilon_change_func_t&,
-                   reliability_type_e) override {
-    Write("offer_event", service, instance, event, *groups.begin(), groups.size(), type, cycle.count());
+                   event_type_e type, Milliseconds cycle, bool resets, bool updates,
+                   const epsilon_change_func_t& epsilon, reliability_type_e) override {
+    Write("offer_event", service, instance, event, *groups.begin(), groups.size(), type, cycle.count(), resets, updates,
+          epsilon != nullptr);
     Note(offered_, {service, instance, event});
   }
   void stop_offer_event(service_t service, instance_t instance, event_t event) override {
