@@ -81,7 +81,8 @@ class Future {
   /// another call of the same method, which cannot be completed meanwhile. What it throws passes to who set the result,
   /// which for a proxy's calls is the library, which logs it.
   ///
-  /// A second continuation replaces one that has not begun; an empty one takes it back. So does destroying the Future.
+  /// A second continuation replaces one that has not begun; an empty one takes it back. So does destroying the Future,
+  /// also just after its result came: who waits for the result and for the continuation keeps the Future for both.
   /// Throws FutureException with `no_state` when not valid().
   void then(std::function<void()> continuation) {
     RequireState();

@@ -290,14 +290,12 @@ TEST(NodeTest, PayloadsUpToTheLimitMakeTheRoundTrip) {
   Provider provider({1});
   Client client;
   ASSERT_TRUE(client.availability.WaitForLast(true));
-  const vsomeip::request_t too_large = client.Send(kReverse, Bytes((16U << 20U) + 1));
   // Exactly one datagram, and one byte more; whole segments; the largest.
   for (const std::size_t size : {1U, 1400U, 1401U, 2784U, 1U << 20U, 16U << 20U}) {
     Bytes bytes(size);
     for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<vsomeip::byte_t>(i * 31 >> 8U);
     EXPECT_TRUE(client.Call(kReverse, bytes).bytes == Bytes(bytes.rbegin(), bytes.rend())) << size;
   }
-  EXPECT_EQ(client.replies.Items().front().request, too_large + 1);
 }
 
 // With and without an address that is the same again after the restart.

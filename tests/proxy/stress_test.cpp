@@ -1,6 +1,8 @@
 #include <array>
 #include <atomic>
 #include <cstdlib>
+#include <deque>
+#include <iterator>
 
 #include "core_types/com_error_domain.h"
 #include "tests/proxy/proxy_fixture.h"
@@ -148,6 +150,8 @@ TEST_F(StressTest, HundredsOfCallsFromSeveralThreadsCompleteOnceEach) {
   EnergySystemImpl one(kInstance);
   EnergySystemImpl other(kInstance);
   std::atomic<int> completed{0};
+  std::mutex mutex;  // guards the futures, which stay: a continuation goes with its future
+  std::deque<ara::core::Future<Value>> kept;
   {
     const Network network(application_);
     std::vector<std::thread> callers;
@@ -162,6 +166,8 @@ TEST_F(StressTest, HundredsOfCallsFromSeveralThreadsCompleteOnceEach) {
           for (auto& future : futures) {
             EXPECT_TRUE(future.GetResult().HasValue());
           }
+          const std::lock_guard<std::mutex> lock(mutex);
+          std::move(futures.begin(), futures.end(), std::back_inserter(kept));
         }
       });
     }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -22,8 +23,13 @@ class SkeletonService final : public OfferedService {
       using Descriptor = decltype(descriptor);
       auto& field = skeleton_.*Descriptor::skeleton_field;
       field.ServeCurrentValue();
-      updates_.push_back(
-          [&field](const Json& value) { field.Update(FromJson<typename Descriptor::ValueType>(value)); });
+      updates_.push_back([&field](const Json& value) {
+        try {
+          field.Update(FromJson<typename Descriptor::ValueType>(value));
+        } catch (const std::length_error& error) {
+          throw ValueError(std::string(Descriptor::name) + ": " + error.what());
+        }
+      });
     });
   }
 
@@ -34,6 +40,8 @@ class SkeletonService final : public OfferedService {
       skeleton_.OfferService();
     } catch (const ara::com::IllegalStateException& error) {
       throw ValueError(error.what());
+    } catch (const std::length_error& error) {
+      throw ValueError(std::string("the value of a field cannot be sent: ") + error.what());
     }
   }
 

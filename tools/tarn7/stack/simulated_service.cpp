@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <iostream>
+#include <stdexcept>
 #include <utility>
 
 namespace tarn7::tool {
@@ -99,7 +100,12 @@ void SimulatedService::Respond(const Message& request, const std::shared_ptr<vso
   }
   const Message response = StackApplication::Runtime()->create_response(request);
   response->set_payload(payload);
-  application_->send(response);
+  try {
+    application_->send(response);
+  } catch (const std::length_error& error) {
+    std::cerr << interface_.name << ": " << error.what() << std::endl;
+    RespondError(request, vsomeip::return_code_e::E_NOT_OK);
+  }
 }
 
 void SimulatedService::RespondError(const Message& request, vsomeip::return_code_e code) const {
