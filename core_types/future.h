@@ -76,10 +76,10 @@ class Future {
   /// Whether GetResult() would return at once.
   bool is_ready() const { return valid() && wait_for(std::chrono::seconds(0)) == future_status::ready; }
 
-  /// Runs `continuation` once, as soon as the result is there, a broken promise included: inside this call if it already
-  /// is, else on the thread that sets it (for a proxy's calls a thread of the SOME/IP stack). There it must not wait for
-  /// another call of the same method, which cannot be completed meanwhile. What it throws passes to who set the result,
-  /// which for a proxy's calls is the library, which logs it.
+  /// Runs `continuation` once, as soon as the result is there, a broken promise included: inside this call if it
+  /// already is, else on the thread that sets it (for a proxy's calls a thread of the SOME/IP stack). There it must not
+  /// wait for another call of the same method, which cannot be completed meanwhile. What it throws passes to who set
+  /// the result, which for a proxy's calls is the library, which logs it.
   ///
   /// A second continuation replaces one that has not begun; an empty one takes it back. So does destroying the Future,
   /// also just after its result came: who waits for the result and for the continuation keeps the Future for both.

@@ -153,7 +153,8 @@ template <typename T, typename U, typename = std::enable_if_t<!internal::kIsOpti
 bool operator==(const Optional<T>& left, const U& right) {
   return left.has_value() && internal::AreEqual(*left, right);
 }
-template <typename T, typename U, typename = std::enable_if_t<!internal::kIsOptional<U> || std::is_same_v<U, std::nullopt_t>>>
+template <typename T, typename U,
+          typename = std::enable_if_t<!internal::kIsOptional<U> || std::is_same_v<U, std::nullopt_t>>>
 bool operator==(const U& left, const Optional<T>& right) {
   return right == left;
 }
@@ -161,7 +162,8 @@ template <typename T, typename U>
 bool operator!=(const Optional<T>& left, const U& right) {
   return !(left == right);
 }
-template <typename T, typename U, typename = std::enable_if_t<!internal::kIsOptional<U> || std::is_same_v<U, std::nullopt_t>>>
+template <typename T, typename U,
+          typename = std::enable_if_t<!internal::kIsOptional<U> || std::is_same_v<U, std::nullopt_t>>>
 bool operator!=(const U& left, const Optional<T>& right) {
   return !(right == left);
 }

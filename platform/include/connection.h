@@ -33,8 +33,8 @@ class ARA_PLATFORM_API VSomeIPConnection {
   static std::shared_ptr<::vsomeip::runtime> MessageRuntime() { return ::vsomeip::runtime::get(); }
 
   /// Starts looking for a service instance, and before that the stack, if need be: throws std::runtime_error when it
-  /// cannot be started. Requests are counted per service instance: the stack sees the first of them and the release that
-  /// balances the last.
+  /// cannot be started. Requests are counted per service instance: the stack sees the first of them and the release
+  /// that balances the last.
   void DoRequestService(const common::ServiceInstance& service);
   void DoReleaseService(const common::ServiceInstance& service);
 

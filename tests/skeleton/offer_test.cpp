@@ -16,13 +16,13 @@ using namespace skeleton_test;
 
 class OfferTest : public SkeletonTest {};
 
-const auto kOffered = ElementsAre("register_message_handler 606f 7 4040", "register_message_handler 606f 7 4020",
-                                  "register_message_handler 606f 7 4030", "register_message_handler 606f 7 4010",
-                                  "register_message_handler 606f 7 4050", "offer_service 606f 7 1 1",
-                                  "offer_event 606f 7 c040 c040 1 2 0 0 1 0", "offer_event 606f 7 c020 c020 1 2 0 0 1 0",
-                                  "offer_event 606f 7 c030 c030 1 2 0 0 1 0", "offer_event 606f 7 c010 c010 1 2 0 0 1 0",
-                                  "offer_event 606f 7 c050 c050 1 2 0 0 1 0", "notify 606f 7 c040 4", "notify 606f 7 c020 4",
-                                  "notify 606f 7 c030 4", "notify 606f 7 c010 e", "notify 606f 7 c050 8");
+const auto kOffered = ElementsAre(
+    "register_message_handler 606f 7 4040", "register_message_handler 606f 7 4020",
+    "register_message_handler 606f 7 4030", "register_message_handler 606f 7 4010",
+    "register_message_handler 606f 7 4050", "offer_service 606f 7 1 1", "offer_event 606f 7 c040 c040 1 2 0 0 1 0",
+    "offer_event 606f 7 c020 c020 1 2 0 0 1 0", "offer_event 606f 7 c030 c030 1 2 0 0 1 0",
+    "offer_event 606f 7 c010 c010 1 2 0 0 1 0", "offer_event 606f 7 c050 c050 1 2 0 0 1 0", "notify 606f 7 c040 4",
+    "notify 606f 7 c020 4", "notify 606f 7 c030 4", "notify 606f 7 c010 e", "notify 606f 7 c050 8");
 const auto kWithdrawn =
     ElementsAre("stop_offer_event 606f 7 c040", "stop_offer_event 606f 7 c020", "stop_offer_event 606f 7 c030",
                 "stop_offer_event 606f 7 c010", "stop_offer_event 606f 7 c050", "stop_offer_service 606f 7",

@@ -23,8 +23,8 @@ class TypedServiceImplBase : public ServiceImplBase {
 
   /// Checks that each field has a value, in the interface's check order, and offers every instance. Throws
   /// IllegalStateException, before anything is offered, for the first field without one; and where a get handler asks
-  /// for it while another thread offers or withdraws, or where the offer was withdrawn while it was being made. Whatever
-  /// goes wrong, nothing stays offered.
+  /// for it while another thread offers or withdraws, or where the offer was withdrawn while it was being made.
+  /// Whatever goes wrong, nothing stays offered.
   template <typename Interface>
   void Offer() {
     static_assert(ara::core::internal::kIsPermutation<typename Interface::CheckOrder, typename Interface::Fields>,
