@@ -12,6 +12,7 @@
 #include "benchmarks/values.h"
 #include "interfaces/energysystem/energysystem_proxy.h"
 #include "platform/include/connection.h"
+#include "platform/include/runtime.h"
 
 namespace {
 std::atomic<std::size_t> allocations{0};
@@ -61,6 +62,7 @@ void Count(const char* what, Call call) {
 }
 
 void Run(const benchmarks::Provider& provider) {
+  ara::com::internal::Runtime::Init();  // starts the stack
   const auto application = ara::com::internal::vsomeip::runtime::VSomeIPConnection::instance_.Application();
   const auto bareClientOf = [&](std::uint16_t instance) {
     return std::make_unique<benchmarks::BareClient>(application, SmallField::Service::service_id, instance,

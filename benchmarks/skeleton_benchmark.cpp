@@ -15,6 +15,7 @@
 #include "benchmarks/values.h"
 #include "interfaces/routebasedenergycontents/routebasedenergycontents_descriptors.h"
 #include "platform/include/connection.h"
+#include "platform/include/runtime.h"
 
 namespace {
 
@@ -108,7 +109,10 @@ class Offers {
   }
 
  private:
-  std::shared_ptr<vsomeip::application> application_ = VSomeIPConnection::instance_.Application();
+  std::shared_ptr<vsomeip::application> application_ = [] {
+    ara::com::internal::Runtime::Init();  // starts the stack
+    return VSomeIPConnection::instance_.Application();
+  }();
   RouteBasedEnergyContentsSkeleton skeleton_;
 };
 

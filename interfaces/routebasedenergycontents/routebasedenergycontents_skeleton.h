@@ -29,11 +29,13 @@ class TARN7_EXPORT RouteBasedEnergyContentsSkeleton
   /// Withdraws the offer. Afterwards no get handler runs; one that is running is waited for.
   ~RouteBasedEnergyContentsSkeleton() override;
 
-  /// Offers every instance; a service that is offered already stays so. Throws IllegalStateException, which names the
-  /// field, when a field has no value yet; ComErrorDomainException (kServiceNotAvailable) when the platform cannot
-  /// offer an instance. Nothing is offered then.
+  /// Offers every instance; a service that is offered already stays so. Throws IllegalStateException when a field has
+  /// no value yet, when the process offers an instance otherwise (the text names either), or when the offer was
+  /// withdrawn meanwhile; ComErrorDomainException (kServiceNotAvailable) when the platform cannot offer an instance;
+  /// and what the stack throws. Nothing is offered then.
   void OfferService();
-  /// Withdraws the offer, which can be made again. Without an offer it does nothing.
+  /// Withdraws the offer, which can be made again. Without an offer it does nothing. In a get handler, while another
+  /// thread offers or withdraws, it leaves the withdrawal to that thread.
   void StopOfferService();
 
   /// The destinations of the route.

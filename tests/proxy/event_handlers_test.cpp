@@ -56,6 +56,19 @@ TEST_F(EventHandlersTest, CallsThatWereDueGoWithTheirHandler) {
   EXPECT_EQ(calls, 0);
   application_.Deliver(NotificationOf(3));
   EXPECT_EQ(calls, 1);
+  // Taken back and not replaced: there is nobody to call.
+  field_.SetReceiveHandler([&] {
+    application_.Deliver(NotificationOf(4));
+    field_.UnsetReceiveHandler();
+  });
+  application_.Deliver(NotificationOf(5));
+  // Replaced at once: the new one gets what was due.
+  field_.SetReceiveHandler([&] {
+    application_.Deliver(NotificationOf(6));
+    field_.SetReceiveHandler([&] { ++calls; });
+  });
+  application_.Deliver(NotificationOf(7));
+  EXPECT_EQ(calls, 2);
 }
 
 // A handler that is slower than its notifications is called for those that wait, not for those that went unread.

@@ -221,6 +221,9 @@ TEST_F(MethodTest, ValidationLogsBothMismatches) {
   const auto response = support::ResponseTo(request, kFortyTwo);
   EXPECT_TRUE(delegate.validateMessage(*request, *response));
   response->set_client(9);
+  testing::internal::CaptureStderr();
+  EXPECT_FALSE(delegate.validateMessage(*request, *response)) << "the client alone";
+  testing::internal::GetCapturedStderr();
   response->set_session(8);
   request->set_session(7);
   testing::internal::CaptureStderr();

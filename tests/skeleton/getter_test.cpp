@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "core_types/com_error_domain.h"
+#include "interfaces/psd2/psd2_descriptors.h"
 #include "tests/skeleton/skeleton_fixture.h"
 #include "tests/support/hex.h"
 
@@ -62,6 +63,42 @@ TEST_F(GetterTest, AnswersWithWhatTheHandlerYields) {
     return promise.get_future();
   });
   ExpectError(AnswerTo(RequestTo(0x4010)), "00000013 01 0010 8000000000001267 00000001 00000005");
+}
+
+TEST_F(GetterTest, AResponseHasTheBytesOfTheNotification) {
+  skeleton_->rwmStatus.ServeCurrentValue();
+  std::vector<unsigned char> notified;
+  application_.on_notify = [&](const ::vsomeip::payload& payload) {
+    notified.assign(payload.get_data(), payload.get_data() + payload.get_length());
+  };
+  auto value = StatusOf(0x01020304);
+  value.push_back({});
+  skeleton_->rwmStatus.Update(value);
+  EXPECT_EQ(notified, support::Bytes("0000000e 00000006 2000 01020304 00000000"));
+  EXPECT_EQ(PayloadOf(AnswerTo(RequestTo(0x4010))), notified);
+}
+
+// An interface's getters ask for its own major version.
+TEST_F(GetterTest, ThoseOfPsd2AreOfVersionSix) {
+  using kro::services::psd2::psd2_binding::vsomeip::descriptors::Interface;
+  kro::services::psd2::skeleton::Psd2Skeleton map({ara::com::InstanceIdentifier("7")});
+  ara::com::internal::vsomeip::common::ForEachType(Interface::Fields{}, [&](auto field) {
+    auto& member = map.*decltype(field)::skeleton_field;
+    member.Update({});
+    member.ServeCurrentValue();
+  });
+  map.OfferService();
+  application_.TakeSent();
+  const auto request = RequestTo(0x4030);
+  request->set_service(0x6122);
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(AnswerTo(request), nullptr) << "of version 1";
+  testing::internal::GetCapturedStderr();
+  request->set_interface_version(6);
+  const auto answer = AnswerTo(request);
+  ASSERT_NE(answer, nullptr);
+  EXPECT_EQ(answer->get_message_type(), message_type_e::MT_RESPONSE);
+  EXPECT_EQ(answer->get_interface_version(), 6);
 }
 
 TEST_F(GetterTest, DropsInvalidRequestsWithoutAnAnswer) {

@@ -152,6 +152,7 @@ TEST_F(OfferTest, TheRegistryMakesAdaptersOfFittingSkeletonsOnly) {
   } other;
   const auto* const mapping = VSomeIPServiceMapping::GetMappingForServiceId(40160);
   EXPECT_EQ(mapping->GetProxy(1), nullptr);
+  EXPECT_EQ(VSomeIPServiceMapping::GetMappingForServiceId(9235)->GetProxy(1), nullptr);
   try {
     mapping->GetSkeleton(other, 1);
     ADD_FAILURE() << "a foreign skeleton was taken";

@@ -1,3 +1,10 @@
+#include <chrono>
+#include <functional>
+#include <future>
+#include <thread>
+
+#include "core_types/com_error_domain.h"
+#include "core_types/future_error_domain.h"
 #include "tests/skeleton/skeleton_fixture.h"
 
 namespace {
@@ -73,6 +80,52 @@ TEST_F(ProcessingModeTest, ASkeletonAsksItsBindingsInOrder) {
   EXPECT_THAT(calls_, ElementsAre(1, 2));
   skeleton_->Detach(one);
   skeleton_->Detach(other);
+}
+
+/// A binding that does as it is told when it is asked for a call.
+struct ToldBinding : ara::com::internal::vsomeip::skeleton::ServiceImplBase {
+  explicit ToldBinding(ara::com::internal::skeleton::ServiceBase& service) : ServiceImplBase(service, kInstance) {}
+  ara::core::Future<bool> ProcessNextMethodCall() override { return told(); }
+  std::function<ara::core::Future<bool>()> told;
+};
+
+TEST_F(ProcessingModeTest, ASkeletonThrowsTheErrorOfItsBinding) {
+  ToldBinding binding(*skeleton_);
+  skeleton_->Attach(binding);
+  binding.told = [] {
+    ara::core::Promise<bool> promise;
+    promise.SetError(MakeErrorCode(ara::com::ComErrc::kServiceNotAvailable));
+    return promise.get_future();
+  };
+  EXPECT_THROW(Process(*skeleton_), ara::com::ComErrorDomainException);
+  skeleton_->Detach(binding);
+}
+
+TEST_F(ProcessingModeTest, WhoDetachesABindingWaitsForCallsOfIt) {
+  ToldBinding binding(*skeleton_);
+  skeleton_->Attach(binding);
+  std::promise<void> entered;
+  std::promise<void> detached;
+  binding.told = [&] {
+    entered.set_value();
+    EXPECT_EQ(detached.get_future().wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    ara::core::Promise<bool> promise;
+    promise.SetResult(true);
+    return promise.get_future();
+  };
+  std::thread caller([this] { EXPECT_TRUE(Process(*skeleton_)); });
+  entered.get_future().wait();
+  skeleton_->Detach(binding);
+  detached.set_value();
+  caller.join();
+
+  // But not for one that runs on the same thread.
+  skeleton_->Attach(binding);
+  binding.told = [&] {
+    skeleton_->Detach(binding);
+    return ara::core::Future<bool>();
+  };
+  EXPECT_THROW(Process(*skeleton_), ara::core::FutureException);
 }
 
 TEST_F(ProcessingModeTest, GettersAreAnsweredAtOnceInEveryMode) {

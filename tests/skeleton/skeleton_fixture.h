@@ -39,6 +39,7 @@ class SkeletonTest : public ::testing::Test {
     skeleton_.reset();
     application_.on_call = nullptr;
     application_.on_send = nullptr;
+    application_.on_notify = nullptr;
     EXPECT_EQ(application_.CountLeftovers(), 0U) << "everything that was asked for is given back";
   }
 

@@ -79,6 +79,7 @@ class Recorder final : public RecordingApplication {
   }
   void notify(service_t service, instance_t instance, event_t event, Payload payload, bool) const override {
     Write("notify", service, instance, event, payload->get_length());
+    if (on_notify) on_notify(*payload);
   }
   void notify_one(service_t, instance_t, event_t, Payload, client_t, bool) const override {}
   void send(Message message) override {

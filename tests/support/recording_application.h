@@ -45,6 +45,8 @@ class RecordingApplication : public RestOfApplication {
 
   /// Called with each message inside send(), before it returns.
   std::function<void(const std::shared_ptr<vsomeip::message>&)> on_send;
+  /// Called with the payload of each notification.
+  std::function<void(const vsomeip::payload&)> on_notify;
   /// Called with each line before it is written down; may throw to let the call fail.
   std::function<void(const std::string&)> on_call;
   /// The session id that the stack gives the next request.
