@@ -1,11 +1,8 @@
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <dlfcn.h>
-#include <exception>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <iterator>
 #include <malloc.h>
 #include <memory>
@@ -13,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include "ara/com/internal/skeleton/service_base.h"
 #include "platform/include/runtime.h"
 #include "registry/service_mapping.h"
 
@@ -27,9 +23,6 @@ using vsomeip::runtime::VSomeIPServiceMapping;
 constexpr std::uint16_t kEnergySystem = 56470;
 constexpr const char* kGetMapping =
     "_ZN3ara3com8internal7vsomeip7runtime21VSomeIPServiceMapping22GetMappingForServiceIdEt";
-constexpr std::uint16_t kPsd2 = 9235;
-constexpr const char* kOfferService =
-    "_ZN3ara3com8internal7Runtime12OfferServiceERNS1_8skeleton11ServiceBaseEtNS0_18InstanceIdentifierE";
 constexpr const char* kCreateProxy = "_ZN3ara3com8internal7Runtime11CreateProxyEtRKNS0_18InstanceIdentifierE";
 
 bool IsMapped() {
@@ -62,39 +55,7 @@ class Library {
   void* const handle_;
 };
 
-/// What becomes of an offer of something that is no skeleton: the error says whether the service is known.
-std::string Offer(void* platform) {
-  struct Stranger : skeleton::ServiceBase {
-  } stranger;
-  const auto function = reinterpret_cast<decltype(&Runtime::OfferService)>(::dlsym(platform, kOfferService));
-  try {
-    function(stranger, kPsd2, InstanceIdentifier("1"));
-  } catch (const std::exception& error) {
-    return error.what();
-  }
-  return "offered";
-}
-
 }  // namespace
-
-// The platform is there first, as with a program that is linked with it, and the product comes as a plug-in. In a
-// process of its own, because the product then stays.
-TEST(LoadDeathTest, IsFoundWhenItIsLoadedForItselfAfterThePlatform) {
-  const auto run = [] {
-    void* const platform = ::dlopen(PLATFORM, RTLD_NOW | RTLD_GLOBAL);
-    std::cerr << "without: " << Offer(platform) << '\n';
-    {
-      const Library library;
-      std::cerr << "with: " << Offer(platform) << '\n';
-    }
-    std::cerr << "used: " << Offer(platform) << '\n';
-    std::_Exit(0);
-  };
-  EXPECT_EXIT(run(), testing::ExitedWithCode(0),
-              "without: std::exception\n"
-              "with: Given service interface does not fit to the binding adapter!\n"
-              "used: Given service interface does not fit to the binding adapter!\n");
-}
 
 TEST(LoadTest, LoadsAndUnloadsWithoutAThreadOrALeakAndStaysOnceUsed) {
   const std::ptrdiff_t threads = Threads();
