@@ -60,6 +60,8 @@ TEST(Future, TurnsStandardFutureErrorsIntoItsDomain) {
   EXPECT_EQ(future.GetResult().error(), MakeErrorCode(future_errc::broken_promise));
   EXPECT_EQ(Future<int>().GetResult().error(), MakeErrorCode(future_errc::no_state));
   EXPECT_THROW(Future<int>().wait(), ara::core::FutureException);
+  EXPECT_THROW(Future<int>().wait_for(std::chrono::seconds(0)), ara::core::FutureException);
+  EXPECT_THROW(Future<int>().wait_until(std::chrono::steady_clock::now()), ara::core::FutureException);
   EXPECT_THROW(Future<int>().then([] {}), ara::core::FutureException);
 }
 
@@ -236,26 +238,79 @@ TEST(Future, AContinuationMayDestroyItsOwnFuture) {
   EXPECT_EQ(future, nullptr);
 }
 
+// Also for what the continuation owns, and also on a thread that has been in a continuation before.
 TEST(Future, DestructionWaitsForARunningContinuation) {
+  struct Owned {
+    std::future<void> destroyed;
+    ~Owned() {
+      EXPECT_EQ(destroyed.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout)
+          << "the continuation, or what it owns, was there after its future had gone";
+    }
+  };
+  Promise<int> before;
+  auto itsFuture = before.get_future();
+  itsFuture.then([] {});
+  before.SetResult(1);
+
   Promise<int> promise;
   auto future = std::make_unique<Future<int>>(promise.get_future());
   std::promise<void> entered;
-  std::promise<void> leave;
-  std::atomic<bool> ended{false};
-  future->then([&] {
-    entered.set_value();
-    leave.get_future().wait();
-    ended = true;
-  });
+  std::promise<void> destroyed;
+  auto owned = std::make_shared<Owned>();
+  owned->destroyed = destroyed.get_future();
+  future->then([&entered, owned = std::move(owned)] { entered.set_value(); });
   std::thread setter([&] { promise.SetResult(1); });
   entered.get_future().wait();
-  std::thread destroyer([&] {
-    future.reset();
-    EXPECT_TRUE(ended) << "the continuation ran on after its future was gone";
-  });
-  leave.set_value();
-  destroyer.join();
+  future.reset();
+  destroyed.set_value();
   setter.join();
+}
+
+TEST(Promise, IsHeldWhileItsContinuationRuns) {
+  Promise<int> promise;
+  auto future = promise.get_future();
+  std::future<std::error_code> second;
+  future.then([&] {
+    second = std::async(std::launch::async, [&] { return FutureErrorOf([&] { promise.SetResult(2); }); });
+    EXPECT_EQ(second.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+  });
+  promise.SetResult(1);
+  EXPECT_EQ(second.get(), std::future_errc::promise_already_satisfied);
+}
+
+TEST(Future, MovesWithItsResultAndItsContinuation) {
+  Promise<int> promise;
+  Future<int> future;
+  future = promise.get_future();
+  int calls = 0;
+  future.then([&] { ++calls; });
+  std::thread setter([&] { promise.SetResult(1); });
+  future.wait();
+  EXPECT_TRUE(future.is_ready());
+  setter.join();
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(future.wait_until(std::chrono::steady_clock::now()), Status::ready);
+  EXPECT_EQ(future.get(), 1);
+
+  Promise<int> other;
+  future = other.get_future();
+  future.then([&] { ++calls; });
+  future = Future<int>();  // and with it goes the continuation
+  other.SetResult(2);
+  EXPECT_EQ(calls, 1);
+}
+
+// Between the store of the result and the run of its continuation there is a moment in which it may be taken back.
+TEST(Future, AContinuationThatWasTakenBackDoesNotRunAnyMore) {
+  using ara::core::internal::Continuation;
+  int calls = 0;
+  const auto slot = Continuation::Store([&] { ++calls; });
+  const auto due = slot;
+  Continuation::In(slot)->TakeBack();
+  due();
+  EXPECT_EQ(calls, 0);
+  EXPECT_EQ(Continuation::Store(nullptr), nullptr);
+  EXPECT_EQ(Continuation::In(nullptr), nullptr);
 }
 
 // Each future is either destroyed or completed first: the continuation runs at most once and never too late.

@@ -267,24 +267,18 @@ TEST_F(GetterTest, ANewHandlerReachesARunningOffer) {
 
 TEST_F(GetterTest, DestructionWaitsForARunningHandler) {
   std::promise<void> entered;
-  std::promise<void> leave;
-  std::atomic<bool> ended{false};
+  std::promise<void> destroyed;
   skeleton_->rwmStatus.RegisterGetHandler([&] {
     entered.set_value();
-    leave.get_future().wait();
-    ended = true;
+    EXPECT_EQ(destroyed.get_future().wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
     Promise<Status> promise;
     promise.SetResult(Status());
     return promise.get_future();
   });
   std::thread network([this] { application_.Deliver(RequestTo(0x4010)); });
   entered.get_future().wait();
-  std::thread owner([&] {
-    skeleton_.reset();
-    EXPECT_TRUE(ended);
-  });
-  leave.set_value();
-  owner.join();
+  skeleton_.reset();
+  destroyed.set_value();
   network.join();
 }
 
