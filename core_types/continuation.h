@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <thread>
 #include <utility>
 
 namespace ara::core::internal {
@@ -35,9 +36,9 @@ class Continuation {
   /// thread that is in a continuation itself: two that destroy each other's futures would wait for each other.
   void TakeBack() {
     TakeBackUnlessBegun();
-    if (Depth() == 0) {
-      std::unique_lock<std::mutex> lock(mutex_);
-      ended_.wait(lock, [this] { return !is_running_; });
+    std::unique_lock<std::mutex> lock(mutex_);
+    if (Depth() == 0 && runner_ != std::this_thread::get_id()) {
+      ended_.wait(lock, [this] { return runner_ == std::thread::id{}; });
     }
   }
   /// As TakeBack, but lets one that has begun run on.
@@ -61,7 +62,7 @@ class Continuation {
         return;  // has run, or was taken back
       }
       function.swap(function_);
-      is_running_ = true;
+      runner_ = std::this_thread::get_id();
     }
     const Running running(*this, function);
     function();
@@ -75,7 +76,7 @@ class Continuation {
       function_ = nullptr;  // what it owns goes before anybody is told
       --Depth();
       const std::lock_guard<std::mutex> lock(owner_.mutex_);
-      owner_.is_running_ = false;
+      owner_.runner_ = {};
       owner_.ended_.notify_all();
     }
     Running(const Running&) = delete;
@@ -86,7 +87,7 @@ class Continuation {
     std::function<void()>& function_;
   };
 
-  /// How many continuations the calling thread is in.
+  /// How many continuations the calling thread is in, as far as this library has made them.
   static int& Depth() noexcept {
     thread_local int depth = 0;
     return depth;
@@ -95,7 +96,7 @@ class Continuation {
   std::mutex mutex_;  // guards the members below
   std::condition_variable ended_;
   std::function<void()> function_;  // empty once it has begun, or was taken back
-  bool is_running_ = false;
+  std::thread::id runner_;          // the thread that it runs on; none when default
 };
 
 }  // namespace ara::core::internal

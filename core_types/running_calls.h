@@ -17,15 +17,9 @@ class RunningCalls {
    public:
     explicit Scope(RunningCalls& calls) : calls_(calls) {
       const std::lock_guard<std::mutex> lock(calls_.mutex_);
-      is_let_in_ = !calls_.closed_;
-      if (is_let_in_) {
-        calls_.callers_.push_back(std::this_thread::get_id());
-      }
+      calls_.callers_.push_back(std::this_thread::get_id());
     }
     ~Scope() {
-      if (!is_let_in_) {
-        return;
-      }
       const std::lock_guard<std::mutex> lock(calls_.mutex_);
       auto& callers = calls_.callers_;
       callers.erase(std::find(callers.begin(), callers.end(), std::this_thread::get_id()));
@@ -34,40 +28,24 @@ class RunningCalls {
     Scope(const Scope&) = delete;
     Scope& operator=(const Scope&) = delete;
 
-    /// Whether the call may be made: false once Close() has been called.
-    explicit operator bool() const noexcept { return is_let_in_; }
-
    private:
     RunningCalls& calls_;
-    bool is_let_in_;
   };
 
   /// Returns when no other thread is inside a call. A call on this very thread is not waited for, so that a handler may
   /// destroy the object that called it.
   void WaitForOtherThreads() {
-    std::unique_lock<std::mutex> lock(mutex_);
-    Wait(lock);
-  }
-
-  /// As WaitForOtherThreads, and lets no call in any more.
-  void Close() {
-    std::unique_lock<std::mutex> lock(mutex_);
-    closed_ = true;
-    Wait(lock);
-  }
-
- private:
-  void Wait(std::unique_lock<std::mutex>& lock) {
     const auto self = std::this_thread::get_id();
+    std::unique_lock<std::mutex> lock(mutex_);
     finished_.wait(lock, [&] {
       return std::all_of(callers_.begin(), callers_.end(), [self](std::thread::id caller) { return caller == self; });
     });
   }
 
+ private:
   std::mutex mutex_;  // guards the members below
   std::condition_variable finished_;
   std::vector<std::thread::id> callers_;  // one entry per call under way; a thread inside two calls has two
-  bool closed_ = false;
 };
 
 }  // namespace ara::core::internal

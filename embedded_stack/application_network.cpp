@@ -72,8 +72,11 @@ void ApplicationImpl::OnDiscoveryEntry(DiscoveryEntry entry, std::uint32_t from,
 
 // Once per offer: both nodes hear each other, so the one that clients do not use is told as well.
 void ApplicationImpl::WarnOfRival(const DiscoveryEntry& offer, std::uint32_t from) {
-  if (offer.ttl == 0 || !offers_->MeetsRival({offer.service, offer.instance})) return;
-  offers_->AnnounceAgain({offer.service, offer.instance}, Clock::now());  // so that the other one hears of this at once
+  const ServiceInstance key{offer.service, offer.instance};
+  const Offers::Offer* const own = offers_->Find(key);
+  const bool is_usable = offer.ttl != 0 && offer.udp && !offer.bad_options && offer.udp->IsUnicast();
+  if (own == nullptr || !is_usable || own->major != offer.major || !offers_->MeetsRival(key)) return;
+  offers_->AnnounceAgain(key, Clock::now());  // so that the other one hears of this at once
   log_->Warning(Hex(offer.service), ".", Hex(offer.instance), " is offered by ",
                 boost::asio::ip::address_v4(from).to_string(),
                 " as well as by this process. Each client uses one of the two: end one, or offer another instance");

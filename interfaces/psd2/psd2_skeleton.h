@@ -29,12 +29,12 @@ class TARN7_EXPORT Psd2Skeleton : public ara::com::internal::skeleton::TypedServ
   ~Psd2Skeleton() override;
 
   /// Offers every instance; a service that is offered already stays so. Throws IllegalStateException when a field has
-  /// no value yet, when the process offers an instance otherwise (the text names either), or when the offer was
-  /// withdrawn meanwhile; ComErrorDomainException (kServiceNotAvailable) when the platform cannot offer an instance;
-  /// and what the stack throws. Nothing is offered then.
+  /// no value yet or when the process offers an instance otherwise (the text names either); ComErrorDomainException
+  /// (kServiceNotAvailable) when the platform cannot offer an instance; and what the stack throws. Nothing is offered
+  /// then.
   void OfferService();
-  /// Withdraws the offer, which can be made again. Without an offer it does nothing. In a get handler, while another
-  /// thread offers or withdraws, it leaves the withdrawal to that thread.
+  /// Withdraws the offer, which can be made again, and waits for get handlers that run on other threads. Without an
+  /// offer it only waits. A get handler that calls it does not wait.
   void StopOfferService();
 
   /// The parking garages.

@@ -50,8 +50,8 @@ class ARA_PLATFORM_API Runtime {
   /// another interface, when the process offers that instance otherwise, or when it was withdrawn meanwhile;
   /// ComErrorDomainException (kServiceNotAvailable) when no binding carries the service or the instance.
   static void OfferService(skeleton::ServiceBase& service, std::uint16_t araServiceId, InstanceIdentifier instance);
-  /// Withdraws all instances of a skeleton's service, the latest first. Returns when nothing of them is being called
-  /// any more, but for what other threads are withdrawing.
+  /// Withdraws all instances of a skeleton's service, the latest first; what other threads are withdrawing may still be
+  /// there. Get handlers may still run.
   static void StopOfferService(skeleton::ServiceBase& service, std::uint16_t araServiceId);
 };
 

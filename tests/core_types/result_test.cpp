@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -63,6 +64,9 @@ TEST(Optional, ComparesWithValuesOfOtherTypesAndWithNothing) {
   EXPECT_TRUE(number != 6 && 6 != number && number != 5.5F);
   EXPECT_FALSE(number != 5 || 5 != number || number == 5.5F);
   EXPECT_TRUE(number != std::nullopt && std::nullopt != number && !(number == std::nullopt));
+  const Optional<std::uint32_t> copy = number;
+  EXPECT_EQ(copy, 5);
+  EXPECT_TRUE(Optional<std::uint32_t>(0) == 0 && Optional<std::int32_t>(0) == 0U);
   const Optional<std::uint32_t> absent;
   EXPECT_TRUE(absent == std::nullopt && std::nullopt == absent && absent != 0);
 
@@ -106,6 +110,14 @@ TEST(Optional, CopiesAreDeepAndMovesTakeTheValueAlong) {
   EXPECT_FALSE(one.has_value());
   EXPECT_EQ(one, Optional<std::vector<int>>());
   EXPECT_THROW((void)one.value(), std::bad_optional_access);
+
+  EXPECT_THROW((void)std::as_const(one).value(), std::bad_optional_access);
+
+  Optional<std::shared_ptr<int>> owner = std::make_shared<int>(1);
+  const std::weak_ptr<int> owned = *owner;
+  owner.reset();
+  EXPECT_FALSE(owner.has_value());
+  EXPECT_TRUE(owned.expired());
 
   one = moved;
   moved.reset();

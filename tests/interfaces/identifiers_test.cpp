@@ -67,9 +67,9 @@ TEST(Identifiers, ListsThatDriftAreNoticed) {
   static_assert(!kIsPermutation<TypeList<First, First>, TypeList<First, Second>>, "one comes twice");
   static_assert(!kIsPermutation<TypeList<First, Second>, TypeList<First, First>>);
   static_assert(!kIsPermutation<TypeList<First, Field<0x4030>>, TypeList<First, Second>>, "one is a stranger");
-  static_assert(kHasDistinctIds<TypeList<First, Second, Field<0x4030, true>>>);
-  static_assert(!kHasDistinctIds<TypeList<First, Second, Field<0x4010>>>);
-  static_assert(!kHasDistinctIds<TypeList<Field<0x4010, true>, Field<0x4011>>>, "a setter that is another's getter");
+  static_assert(HasDistinctIds(TypeList<First, Second, Field<0x4030, true>>{}));
+  static_assert(!HasDistinctIds(TypeList<First, Second, Field<0x4010>>{}));
+  static_assert(!HasDistinctIds(TypeList<Field<0x4010, true>, Field<0x4011>>{}), "a setter that is another's getter");
 }
 
 }  // namespace

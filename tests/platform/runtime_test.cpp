@@ -34,8 +34,12 @@ struct FakeAdapter : skeleton::ServiceImplBase {
   explicit FakeAdapter(const InstanceIdentifier& offered) : ServiceImplBase({offered}) {
     log.push_back("offer " + offered.ToString());
   }
-  ~FakeAdapter() override { log.push_back("stop " + GetInstanceIdentifiers().front().ToString()); }
+  ~FakeAdapter() override {
+    if (on_stop) on_stop(GetInstanceIdentifiers().front());
+    log.push_back("stop " + GetInstanceIdentifiers().front().ToString());
+  }
   static inline std::vector<std::string> log;
+  static inline std::function<void(const InstanceIdentifier&)> on_stop;
 };
 struct FakeService : skeleton::ServiceBase {};
 
@@ -169,9 +173,21 @@ TEST(Runtime, AsksOneBindingAfterTheOther) {
   };
   Runtime::OfferService(service, 1, "3");
   EXPECT_THAT(FakeAdapter::log, ElementsAre("offer 3"));
+  // And while it is being withdrawn.
+  FakeAdapter::on_stop = [&](const InstanceIdentifier& instance) {
+    EXPECT_THROW(Runtime::OfferService(service, 1, instance), IllegalStateException);
+    EXPECT_THROW(Runtime::OfferService(other, 1, instance), IllegalStateException);
+    Runtime::StopOfferService(service, 1);
+  };
   first.on_offer = [&] { Runtime::StopOfferService(service, 1); };
   EXPECT_THROW(Runtime::OfferService(service, 1, "4"), IllegalStateException);
   EXPECT_THAT(FakeAdapter::log, ElementsAre("offer 3", "stop 3", "offer 4", "stop 4"));
+  FakeAdapter::log.clear();
+
+  FakeAdapter::on_stop = nullptr;
+  Runtime::OfferService(other, 1, "4");
+  Runtime::StopOfferService(other, 1);
+  EXPECT_THAT(FakeAdapter::log, ElementsAre("offer 4", "stop 4"));
   FakeAdapter::log.clear();
 
   // A skeleton starts the runtime before it offers. If that fails, an offer that stands is left alone.

@@ -247,6 +247,26 @@ TEST_F(GetterTest, AHandlerIsReplacedWithoutALock) {
   application_.TakeCalls();
 }
 
+TEST_F(GetterTest, HandlersThatAreReplacedByManyThreadsGoWithoutALock) {
+  struct CallsBack {
+    RouteBasedEnergyContentsSkeleton& skeleton;
+    ~CallsBack() { skeleton.rwmStatus.Update({}); }
+  };
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 3; ++i) {
+    threads.emplace_back([this] {
+      for (int round = 0; round < 5000; ++round) {
+        skeleton_->rwmStatus.RegisterGetHandler(
+            [owned = std::make_shared<CallsBack>(CallsBack{*skeleton_})] { return Promise<Status>().get_future(); });
+      }
+    });
+  }
+  for (auto& thread : threads) {
+    thread.join();
+  }
+  skeleton_->rwmStatus.ServeCurrentValue();
+}
+
 // A request that comes while its offer ends is not told that nobody has registered a handler.
 TEST_F(GetterTest, ARequestDuringTheEndOfItsOfferIsNotAnswered) {
   using namespace kro::services::routebasedenergycontents::routebasedenergycontents_binding::vsomeip;

@@ -1,4 +1,5 @@
 #include <atomic>
+#include <chrono>
 #include <future>
 #include <stdexcept>
 #include <string>
@@ -255,16 +256,13 @@ TEST_F(OfferTest, OffersAndWithdrawalsOfTwoThreadsTakeTurns) {
   }
 }
 
-// A thread in a get handler is waited for, so it cannot wait.
 TEST_F(OfferTest, AGetHandlerMayEndAnOfferThatIsEndingOrBeginning) {
   SetAllFields(*skeleton_);
   std::promise<void> entered;
   std::promise<void> ending;
-  std::string error;
   skeleton_->rwmStatus.RegisterGetHandler([&] {
     entered.set_value();
     ending.get_future().wait();
-    error = ErrorOf(*skeleton_);
     skeleton_->StopOfferService();
     return ara::core::Promise<Status>().get_future();
   });
@@ -278,26 +276,95 @@ TEST_F(OfferTest, AGetHandlerMayEndAnOfferThatIsEndingOrBeginning) {
   entered.get_future().wait();
   testing::internal::CaptureStderr();
   skeleton_->StopOfferService();
+  application_.on_call = nullptr;
   network.join();
-  EXPECT_EQ(error, "OfferService() called in a get handler while the offer is being made or withdrawn");
   EXPECT_EQ(application_.CountLeftovers(), 0U);
 
-  // In the middle of an offer: it is taken back as soon as it stands, and who makes it is told.
+  // In the middle of an offer: it stands, and is then taken back.
   skeleton_->rwmStatus.RegisterGetHandler([&] {
     skeleton_->StopOfferService();
     return ara::core::Promise<Status>().get_future();
   });
   application_.on_call = [&](const std::string& call) {
     if (call.rfind("notify 606f 7 c010", 0) == 0) {
-      std::thread([this] { application_.Deliver(RequestTo(0x4010)); }).join();
+      network = std::thread([this] { application_.Deliver(RequestTo(0x4010)); });
+    }
+  };
+  EXPECT_EQ(ErrorOf(*skeleton_), "offered");
+  application_.on_call = nullptr;
+  network.join();
+  EXPECT_EQ(application_.CountLeftovers(), 0U);
+  testing::internal::GetCapturedStderr();
+}
+
+// A stack that calls back from within: the thread that is at it cannot wait for itself.
+TEST_F(OfferTest, AnOfferMayBeEndedFromWithinItself) {
+  SetAllFields(*skeleton_);
+  application_.on_call = [&](const std::string& call) {
+    if (call.rfind("notify 606f 7 c010", 0) == 0) {
+      skeleton_->StopOfferService();
     }
   };
   EXPECT_EQ(ErrorOf(*skeleton_), "The offer was withdrawn while it was being made");
-  application_.on_call = nullptr;
   EXPECT_EQ(application_.CountLeftovers(), 0U);
-  skeleton_->rwmStatus.ServeCurrentValue();
+  application_.on_call = nullptr;
   EXPECT_EQ(ErrorOf(*skeleton_), "offered");
+  std::string error;
+  application_.on_call = [&](const std::string& call) {
+    if (call == "stop_offer_service 606f 7") {
+      error = ErrorOf(*skeleton_);
+      skeleton_->StopOfferService();
+    }
+  };
+  skeleton_->StopOfferService();
+  EXPECT_EQ(error, "OfferService() called while this thread is offering or withdrawing the service");
+  application_.on_call = nullptr;
+  EXPECT_EQ(ErrorOf(*skeleton_), "offered");
+}
+
+// Also when the handler has ended the offer itself, so that the second end finds nothing to withdraw.
+TEST_F(OfferTest, DestructionWaitsForAGetHandlerThatHasEndedItsOffer) {
+  SetAllFields(*skeleton_);
+  std::promise<void> ended;
+  std::promise<void> destroyed;
+  skeleton_->rwmStatus.RegisterGetHandler([&] {
+    skeleton_->StopOfferService();
+    ended.set_value();
+    EXPECT_EQ(destroyed.get_future().wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    return ara::core::Promise<Status>().get_future();
+  });
+  skeleton_->OfferService();
+  testing::internal::CaptureStderr();
+  std::thread network([this] { application_.Deliver(RequestTo(0x4010)); });
+  ended.get_future().wait();
+  skeleton_.reset();
+  destroyed.set_value();
+  network.join();
   testing::internal::GetCapturedStderr();
+}
+
+TEST_F(OfferTest, TwoGetHandlersMayEndEachOthersOffers) {
+  RouteBasedEnergyContentsSkeleton other({"8"});
+  std::promise<void> entered[2];
+  RouteBasedEnergyContentsSkeleton* const skeletons[] = {skeleton_.get(), &other};
+  for (const std::size_t i : {0U, 1U}) {
+    SetAllFields(*skeletons[i]);
+    skeletons[i]->rwmStatus.RegisterGetHandler([&, i] {
+      entered[i].set_value();
+      entered[1 - i].get_future().wait();
+      skeletons[1 - i]->StopOfferService();
+      return ara::core::Promise<Status>().get_future();
+    });
+    skeletons[i]->OfferService();
+  }
+  testing::internal::CaptureStderr();
+  std::thread network([this] { application_.Deliver(RequestTo(0x4010)); });
+  const auto request = RequestTo(0x4010);
+  request->set_instance(8);
+  application_.Deliver(request);
+  network.join();
+  testing::internal::GetCapturedStderr();
+  EXPECT_EQ(application_.CountLeftovers(), 0U);
 }
 
 TEST_F(OfferTest, AValueThatTheStackRefusesIsReportedAndForgotten) {

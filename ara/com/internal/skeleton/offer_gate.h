@@ -6,7 +6,8 @@
 
 namespace ara::com::internal::skeleton {
 
-/// Marks the calling thread, while it lives, as one that runs a get handler: the end of an offer waits for it.
+/// Marks the calling thread, while it lives, as one that runs a get handler: it waits for no other one, because two
+/// that end each other's offers would wait for each other.
 class GetHandlerScope {
  public:
   GetHandlerScope() noexcept { ++Depth(); }
@@ -24,23 +25,19 @@ class GetHandlerScope {
 };
 
 /// Lets one thread at a time offer or withdraw a skeleton, which takes a step for each instance. Others wait, but for
-/// those that are waited for: a thread in a get handler, and the very thread that is at it (something that it destroys
-/// may call back).
+/// the very thread that is at it: something that it destroys may call back.
 class OfferGate {
  public:
-  /// Before an offer. False, and nothing has begun, where waiting would not end.
+  /// Before an offer. False, and nothing has begun, where this thread is at it already.
   bool BeginOffer() {
     std::unique_lock<std::mutex> lock(mutex_);
     return Begin(lock);
   }
-  /// Before a withdrawal. False where waiting would not end: the thread that is at it withdraws then.
+  /// Before a withdrawal. False where this thread is at it already: it withdraws then.
   bool BeginWithdrawal() {
     std::unique_lock<std::mutex> lock(mutex_);
-    if (Begin(lock)) {
-      return true;
-    }
-    withdraw_ = true;
-    return false;
+    withdraw_ = withdraw_ || thread_ == std::this_thread::get_id();
+    return Begin(lock);
   }
   /// False when the offer is to be withdrawn instead, which has then begun.
   bool EndOffer() {
@@ -59,7 +56,7 @@ class OfferGate {
  private:
   bool Begin(std::unique_lock<std::mutex>& lock) {
     const auto self = std::this_thread::get_id();
-    if (thread_ == self || (thread_ != std::thread::id{} && GetHandlerScope::IsInside())) {
+    if (thread_ == self) {
       return false;
     }
     left_.wait(lock, [this] { return thread_ == std::thread::id{}; });
@@ -75,7 +72,7 @@ class OfferGate {
   std::mutex mutex_;  // guards the members below
   std::condition_variable left_;
   std::thread::id thread_;  // at it now; none when default
-  bool withdraw_ = false;   // asked for by a thread that could not wait
+  bool withdraw_ = false;   // asked for by the thread that offers
 };
 
 }  // namespace ara::com::internal::skeleton

@@ -8,6 +8,7 @@
 
 #include "ara/com/internal/skeleton/field.h"
 #include "core_types/promise.h"
+#include "core_types/running_calls.h"
 
 namespace ara::com::internal::skeleton {
 
@@ -39,12 +40,15 @@ class SkeletonField {
   /// handler throws, an error in its future, and a future that ends without a result are error responses.
   ///
   /// A future that is not ready at once keeps a thread of the stack: while such threads are few, it delays what other
-  /// requests, responses and notifications they would bring. One that never becomes ready keeps its thread for ever,
-  /// and so it does StopOfferService and the skeleton's destructor, which wait for handlers that run.
+  /// requests, responses and notifications they would bring. One that never becomes ready keeps its thread for ever.
+  /// StopOfferService and the skeleton's destructor wait for handlers that run, not for their futures.
   void RegisterGetHandler(GetHandler<T> handler) {
     if (handler) {
       // Bindings copy what they are given. What the handler owns is there once, and goes when no lock is held.
-      handler = [shared = std::make_shared<const GetHandler<T>>(std::move(handler))] { return (*shared)(); };
+      handler = [shared = std::make_shared<const GetHandler<T>>(std::move(handler)), calls = get_handler_calls_] {
+        const ara::core::internal::RunningCalls::Scope running(*calls);
+        return (*shared)();
+      };
     }
     {
       const std::lock_guard<std::mutex> lock(handler_mutex_);
@@ -70,6 +74,9 @@ class SkeletonField {
       return promise.get_future();
     });
   }
+
+  /// Returns when no get handler runs on another thread.
+  void WaitForGetHandlers() { get_handler_calls_->WaitForOtherThreads(); }
 
   bool HasValue() const {
     const std::lock_guard<std::mutex> lock(holder_->mutex);
@@ -114,17 +121,17 @@ class SkeletonField {
   // passes the latest.
   template <typename Pass>
   void PassHandlerOn(Pass pass) {
+    std::list<GetHandler<T>> passed_on;  // kept until no binding has an older one, which would go under a lock
     for (std::uint64_t passed = 0;;) {
-      GetHandler<T> latest;
       {
         const std::lock_guard<std::mutex> lock(handler_mutex_);
         if (handler_version_ == passed) {
           return;
         }
         passed = handler_version_;
-        latest = handler_;
+        passed_on.push_back(handler_);
       }
-      pass(latest);
+      pass(passed_on.back());
     }
   }
 
@@ -136,6 +143,9 @@ class SkeletonField {
   GetHandler<T> handler_;
   std::mutex handler_mutex_;           // guards the handler and its version
   std::uint64_t handler_version_ = 0;  // counts the handlers
+  // Shared with the handlers, which may run on when the field is gone.
+  const std::shared_ptr<ara::core::internal::RunningCalls> get_handler_calls_ =
+      std::make_shared<ara::core::internal::RunningCalls>();
 };
 
 }  // namespace ara::com::internal::skeleton

@@ -22,9 +22,8 @@ class TypedServiceImplBase : public ServiceImplBase {
   using ServiceImplBase::ServiceImplBase;
 
   /// Checks that each field has a value, in the interface's check order, and offers every instance. Throws
-  /// IllegalStateException, before anything is offered, for the first field without one; and where a get handler asks
-  /// for it while another thread offers or withdraws, or where the offer was withdrawn while it was being made.
-  /// Whatever goes wrong, nothing stays offered.
+  /// IllegalStateException, before anything is offered, for the first field without one; and where it is
+  /// called by something that this thread's own offer or withdrawal calls. Whatever goes wrong, nothing stays offered.
   template <typename Interface>
   void Offer() {
     static_assert(ara::core::internal::kIsPermutation<typename Interface::CheckOrder, typename Interface::Fields>,
@@ -33,7 +32,7 @@ class TypedServiceImplBase : public ServiceImplBase {
                                      [this](auto field) { this->template RequireValue<Interface, decltype(field)>(); });
     Runtime::Init();
     if (!gate_.BeginOffer()) {
-      throw IllegalStateException("OfferService() called in a get handler while the offer is being made or withdrawn");
+      throw IllegalStateException("OfferService() called while this thread is offering or withdrawing the service");
     }
     try {
       for (const InstanceIdentifier& instance : GetInstanceIdentifiers()) {
@@ -49,10 +48,18 @@ class TypedServiceImplBase : public ServiceImplBase {
     }
   }
 
+  /// Afterwards nothing is offered, and no get handler runs on another thread: only a get handler does not wait for the
+  /// others.
   template <typename Interface>
   void StopOffer() {
-    if (gate_.BeginWithdrawal()) {
-      Withdraw<Interface>();
+    if (!gate_.BeginWithdrawal()) {
+      return;
+    }
+    Withdraw<Interface>();
+    if (!GetHandlerScope::IsInside()) {
+      ara::core::internal::ForEachType(typename Interface::Fields{}, [this](auto field) {
+        (static_cast<Skeleton*>(this)->*decltype(field)::skeleton_field).WaitForGetHandlers();
+      });
     }
   }
 

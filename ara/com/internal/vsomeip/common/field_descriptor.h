@@ -31,10 +31,8 @@ struct MutableFieldDescriptor : FieldDescriptor<ServiceDescriptor, GetterMethodI
 
 /// Whether no two fields of a list share a getter, and with it an event and an eventgroup, and no setter is another
 /// field's getter.
-template <typename Fields>
-inline constexpr bool kHasDistinctIds = false;
 template <typename... Fields>
-inline constexpr bool kHasDistinctIds<ara::core::internal::TypeList<Fields...>> = [] {
+constexpr bool HasDistinctIds(ara::core::internal::TypeList<Fields...>) {
   constexpr std::uint16_t getters[] = {Fields::getter_method_id...};
   constexpr bool is_mutable[] = {Fields::is_mutable...};
   for (std::size_t i = 0; i < sizeof...(Fields); ++i) {
@@ -45,7 +43,7 @@ inline constexpr bool kHasDistinctIds<ara::core::internal::TypeList<Fields...>> 
     }
   }
   return true;
-}();
+}
 
 using ara::core::internal::ForEachType;
 using ara::core::internal::TypeList;

@@ -34,7 +34,7 @@ class ProxyImplBase {
 /// A handler may use any field of its proxy, not only the one that calls it.
 template <typename Interface, typename Binding>
 void StopHandlers(Binding& binding) {
-  static_assert(common::kHasDistinctIds<typename Interface::Fields>, "two of the interface's fields share an id");
+  static_assert(common::HasDistinctIds(typename Interface::Fields{}), "two of the interface's fields share an id");
   common::ForEachType(typename Interface::Fields{}, [&](auto field) {
     dynamic_cast<ProxyImplBase&>((binding.*decltype(field)::accessor)()).StopHandlers();
   });

@@ -72,7 +72,7 @@ class AdapterFields<common::TypeList<First, Rest...>> {
 /// destroyed by the runtime, on the thread that offers or withdraws.
 template <typename Skeleton, typename Interface>
 class ServiceAdapter : public ServiceImplBase {
-  static_assert(common::kHasDistinctIds<typename Interface::Fields>, "two of the interface's fields share an id");
+  static_assert(common::HasDistinctIds(typename Interface::Fields{}), "two of the interface's fields share an id");
 
  public:
   using SkeletonType = Skeleton;

@@ -4,6 +4,9 @@
 #include <exception>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <stdexcept>
+#include <string>
 #include <utility>
 
 #include <vsomeip/vsomeip.hpp>
@@ -16,7 +19,6 @@
 #include "core_types/com_error_domain.h"
 #include "core_types/com_exception.h"
 #include "core_types/future_error_domain.h"
-#include "core_types/running_calls.h"
 #include "platform/include/message_check.h"
 
 namespace ara::com::internal::vsomeip::skeleton {
@@ -30,18 +32,23 @@ class FieldImpl : public EventImpl<T, Descriptor>, public virtual internal::skel
   /// What the platform's handler holds, weakly: the way to the field, which ends before the field does.
   class Getter {
    public:
-    explicit Getter(const FieldImpl& field) noexcept : field_(field) {}
+    explicit Getter(const FieldImpl& field) noexcept : field_(&field) {}
 
-    /// Answers a request. Whatever goes wrong is one line in the log and one error response. While the field is going,
-    /// nothing is answered: the offer ends.
+    /// Answers a request. Whatever goes wrong is one line in the log and one error response. When the field is gone,
+    /// nothing is answered: the offer has ended.
     void onRequest(const Message& request) {
-      const ara::core::internal::RunningCalls::Scope running(running_);
-      if (!running) {
-        return;
-      }
       const internal::skeleton::GetHandlerScope inside;
       try {
-        field_.handleGet(request);
+        std::optional<Handler> handler;
+        {
+          const std::lock_guard<std::mutex> lock(mutex_);
+          if (field_ != nullptr) {
+            handler = field_->HandlerOf(*request);
+          }
+        }
+        if (handler) {
+          Answer(*handler, request);  // which may destroy the field
+        }
       } catch (const std::exception& error) {
         Refuse(request, error.what());
       } catch (...) {
@@ -49,11 +56,13 @@ class FieldImpl : public EventImpl<T, Descriptor>, public virtual internal::skel
       }
     }
 
-    /// Afterwards no request is being answered any more, but for one on the calling thread.
-    void Close() { running_.Close(); }
+    /// Afterwards the field is not used any more. Get handlers may still run.
+    void Close() {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      field_ = nullptr;
+    }
 
    private:
-    // The field may be gone by now: its get handler may have destroyed it.
     static void Refuse(const Message& request, const char* reason) {
       common::LogWarning(kSource, "onRequest", __LINE__)
           << "(Exception : skeleton/vsomeip_field_impl.h) handleGet() error : " << reason;
@@ -64,8 +73,9 @@ class FieldImpl : public EventImpl<T, Descriptor>, public virtual internal::skel
       }
     }
 
-    const FieldImpl& field_;
-    ara::core::internal::RunningCalls running_;
+    std::mutex
+        mutex_;  // guards the pointer, and is held while the field is used; never while the application is called
+    const FieldImpl* field_;
   };
 
   explicit FieldImpl(std::uint16_t instanceId) : EventImpl<T, Descriptor>(instanceId) {}
@@ -82,36 +92,46 @@ class FieldImpl : public EventImpl<T, Descriptor>, public virtual internal::skel
   /// Validates a request, asks the get handler, waits for its future, and sends what that yields. Throws
   /// IllegalStateException when there is no handler, std::runtime_error when its future ends without a result, and what
   /// the handler and the stack throw.
-  void handleGet(const Message& request) const;
+  void handleGet(const Message& request) const {
+    if (const auto handler = HandlerOf(*request)) {
+      Answer(*handler, request);
+    }
+  }
 
   const std::shared_ptr<Getter>& GetGetter() const noexcept { return getter_; }
 
  private:
+  using Handler = internal::skeleton::GetHandler<T>;
+
   static constexpr const char* kSource = "skeleton/vsomeip_field_impl";
 
+  std::optional<Handler> HandlerOf(const ::vsomeip::message& request) const;
+  static void Answer(const Handler& handler, const Message& request);
+
   mutable std::mutex mutex_;  // guards the handler
-  internal::skeleton::GetHandler<T> handler_;
+  Handler handler_;
   const std::shared_ptr<Getter> getter_ = std::make_shared<Getter>(*this);
 };
 
+// Empty where the request is not valid, and dropped.
 template <typename T, typename Descriptor>
-void FieldImpl<T, Descriptor>::handleGet(const Message& request) const {
+auto FieldImpl<T, Descriptor>::HandlerOf(const ::vsomeip::message& request) const -> std::optional<Handler> {
   using ::vsomeip::message_type_e;
-  if (!common::checkMessageMetaData(*request, Descriptor::Service::service_id, Descriptor::getter_method_id,
+  if (!common::checkMessageMetaData(request, Descriptor::Service::service_id, Descriptor::getter_method_id,
                                     Descriptor::Service::major_version, message_type_e::MT_REQUEST,
                                     message_type_e::MT_REQUEST_NO_RETURN, true, true)) {
     common::LogWarning(kSource, "handleGet", 161) << "Discarding invalid message";
-    return;
+    return std::nullopt;
   }
-  internal::skeleton::GetHandler<T> handler;
-  {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    handler = handler_;
-  }
-  if (!handler) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!handler_) {
     throw IllegalStateException("No Get handler registered!");
   }
-  // The handler may destroy this field: nothing of it is used from here on.
+  return handler_;
+}
+
+template <typename T, typename Descriptor>
+void FieldImpl<T, Descriptor>::Answer(const Handler& handler, const Message& request) {
   auto result = handler().GetResult();
   using ara::core::future_errc;
   for (const auto end : {future_errc::broken_promise, future_errc::no_state}) {
