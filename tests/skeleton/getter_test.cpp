@@ -255,7 +255,7 @@ TEST_F(GetterTest, HandlersThatAreReplacedByManyThreadsGoWithoutALock) {
   std::vector<std::thread> threads;
   for (int i = 0; i < 3; ++i) {
     threads.emplace_back([this] {
-      for (int round = 0; round < 5000; ++round) {
+      for (int round = 0; round < 30000; ++round) {
         skeleton_->rwmStatus.RegisterGetHandler(
             [owned = std::make_shared<CallsBack>(CallsBack{*skeleton_})] { return Promise<Status>().get_future(); });
       }
