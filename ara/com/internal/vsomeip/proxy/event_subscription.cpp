@@ -150,7 +150,7 @@ void EventSubscription::SharedEvent::SubscribeFor(const EventSubscription& membe
 }
 
 void EventSubscription::SharedEvent::TellSubscription(std::uint64_t round, bool isField) {
-  const auto application = runtime::VSomeIPConnection::instance_.Application();
+  const auto& application = runtime::VSomeIPConnection::instance_.Application();
   const auto weak = weak_from_this();
   const auto onMessage = [weak, round](const Message& message) {
     if (const auto self = weak.lock()) {
@@ -213,7 +213,7 @@ void EventSubscription::SharedEvent::TellEnd() {
   if (const auto token = std::exchange(availability_token_, std::nullopt)) {
     tell([&] { common::unregisterAvailabilityHandler(*token); });
   }
-  const auto application = runtime::VSomeIPConnection::instance_.Application();
+  const auto& application = runtime::VSomeIPConnection::instance_.Application();
   tell([&] {
     application->unregister_subscription_status_handler(identity_.service, identity_.instance, identity_.eventgroup,
                                                         identity_.event);
