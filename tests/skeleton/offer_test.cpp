@@ -276,8 +276,8 @@ TEST_F(OfferTest, AGetHandlerMayEndAnOfferThatIsEndingOrBeginning) {
   entered.get_future().wait();
   testing::internal::CaptureStderr();
   skeleton_->StopOfferService();
-  application_.on_call = nullptr;
   network.join();
+  application_.on_call = nullptr;
   EXPECT_EQ(application_.CountLeftovers(), 0U);
 
   // In the middle of an offer: it stands, and is then taken back.
@@ -291,8 +291,8 @@ TEST_F(OfferTest, AGetHandlerMayEndAnOfferThatIsEndingOrBeginning) {
     }
   };
   EXPECT_EQ(ErrorOf(*skeleton_), "offered");
-  application_.on_call = nullptr;
   network.join();
+  application_.on_call = nullptr;
   EXPECT_EQ(application_.CountLeftovers(), 0U);
   testing::internal::GetCapturedStderr();
 }
