@@ -28,12 +28,4 @@ inline constexpr bool kIsPermutation<TypeList<Left...>, TypeList<Right...>> =
     sizeof...(Left) == sizeof...(Right) && (true && ... && (kCountIn<Left, TypeList<Left...>> == 1)) &&
     (true && ... && (kCountIn<Left, TypeList<Right...>> == 1));
 
-/// Two lists in one.
-template <typename Left, typename Right>
-struct Concatenate;
-template <typename... Left, typename... Right>
-struct Concatenate<TypeList<Left...>, TypeList<Right...>> {
-  using Type = TypeList<Left..., Right...>;
-};
-
 }  // namespace ara::core::internal

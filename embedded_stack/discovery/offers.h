@@ -37,7 +37,7 @@ class Offers {
   void AnnounceAgain(const ServiceInstance& key, TimePoint now);
 
   const Offer* Find(const ServiceInstance& key) const;
-  // Whether somebody else's offer of that instance is the first that is met.
+  // To be called with each offer of another node. True for the first one of an instance that is offered here as well.
   bool MeetsRival(const ServiceInstance& key);
   // The instance of `service` that is offered on a socket.
   const instance_t* FindInstance(service_t service, std::size_t socket) const;

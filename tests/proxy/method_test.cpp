@@ -1,3 +1,5 @@
+#include <stdexcept>
+
 #include "ara/com/internal/vsomeip/proxy/vsomeip_method_impl_delegate.h"
 #include "core_types/com_error_domain.h"
 #include "tests/proxy/proxy_fixture.h"
@@ -209,6 +211,23 @@ TEST_F(MethodTest, AnswersEachCallWithAValueOrAnError) {
       EXPECT_EQ(result.error(), test.result.error()) << test.what;
     }
   }
+}
+
+TEST_F(MethodTest, ARequestThatTheStackRefusesFailsItsCall) {
+  application_.on_call = [](const std::string& call) {
+    if (call.rfind("send", 0) == 0) {
+      throw std::length_error("too long");
+    }
+  };
+  testing::internal::CaptureStderr();
+  auto future = binding_->Getnotifications().Get();
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("The request cannot be sent: too long\n"));
+  application_.on_call = nullptr;
+  ASSERT_TRUE(future.is_ready());
+  EXPECT_EQ(future.GetResult().error(), MakeErrorCode(ara::com::ComErrc::kNetworkBindingFailure));
+  auto next = binding_->Getnotifications().Get();
+  application_.Deliver(support::ResponseTo(TakeRequest(), kFortyTwo));
+  EXPECT_TRUE(next.is_ready()) << "the refused one holds nothing up";
 }
 
 TEST_F(MethodTest, ValidationLogsBothMismatches) {

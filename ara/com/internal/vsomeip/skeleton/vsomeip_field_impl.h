@@ -73,8 +73,8 @@ class FieldImpl : public EventImpl<T, Descriptor>, public virtual internal::skel
       }
     }
 
-    std::mutex
-        mutex_;  // guards the pointer, and is held while the field is used; never while the application is called
+    // Guards the pointer, and is held while the field is used; never while the application is called.
+    std::mutex mutex_;
     const FieldImpl* field_;
   };
 
