@@ -46,6 +46,13 @@ void ApplicationImpl::TellAvailability(const DiscoveryOutput::Availability& chan
   }
 }
 
+void ApplicationImpl::get_offered_services_async(offer_type_e type, const offered_services_handler_t& handler) {
+  const Lock lock(mutex_);
+  if (state_ == State::kNew || handler == nullptr) return;
+  const auto offered = type == offer_type_e::OT_LOCAL ? std::vector<ServiceInstance>() : offers_->All();
+  Push([handler, offered] { handler(offered); });
+}
+
 void ApplicationImpl::register_state_handler(const state_handler_t& handler) {
   Handlers::Retired retired;  // goes after the lock
   const Lock lock(mutex_);

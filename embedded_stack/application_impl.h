@@ -67,6 +67,7 @@ class ApplicationImpl final : public application, public std::enable_shared_from
                     minor_version_t minor) const override;
   void send(std::shared_ptr<message> message) override;
 
+  void get_offered_services_async(offer_type_e type, const offered_services_handler_t& handler) override;
   void register_state_handler(const state_handler_t& handler) override;
   void unregister_state_handler() override;
   void register_message_handler(service_t service, instance_t instance, method_t method,

@@ -4,6 +4,7 @@
 
 #include "ara/com/internal/vsomeip/common/error_payload.h"
 #include "ara/com/internal/vsomeip/skeleton/vsomeip_service_impl_base.h"
+#include "platform/vsomeipbinding/rival_check.h"
 #include "platform/vsomeipbinding/stack_thread.h"
 
 namespace ara::com::internal::vsomeip::skeleton {
@@ -26,7 +27,11 @@ struct OfferedVersions {
 
 void ServiceImplBase::OfferService(std::uint16_t service, std::uint16_t instance, std::uint8_t major,
                                    std::uint32_t minor) {
-  runtime::VSomeIPConnection::instance_.Application()->offer_service(service, instance, major, minor);
+  const auto application = runtime::VSomeIPConnection::instance_.Application();
+  if (runtime::StackThread::Get().IsRegistered()) {
+    runtime::RivalCheck::Get().Ask(*application, service, instance);
+  }
+  application->offer_service(service, instance, major, minor);
   OfferedVersions& offered = OfferedVersions::Get();
   const std::lock_guard<std::mutex> lock(offered.mutex);
   offered.versions[{service, instance}] = {major, minor};

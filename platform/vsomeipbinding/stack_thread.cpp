@@ -9,6 +9,7 @@
 
 #include "platform/include/connection.h"
 #include "platform/vsomeipbinding/platform_log.h"
+#include "platform/vsomeipbinding/rival_check.h"
 
 namespace ara::com::internal::vsomeip::runtime {
 
@@ -16,6 +17,8 @@ namespace {
 
 /// A handler of the application that never returns must not keep the process from ending.
 constexpr std::chrono::seconds kStopTimeout{3};
+/// A routing host that is there registers an application within milliseconds. Without one, the stack goes on trying.
+constexpr std::chrono::seconds kRegistrationTimeout{1};
 
 /// The name that the stack's configuration knows this process by.
 std::string ApplicationName() {
@@ -51,6 +54,7 @@ std::shared_ptr<::vsomeip::application> StackThread::Start() {
   if (application == nullptr || !application->init()) {
     throw std::runtime_error("The SOME/IP stack cannot be started for application '" + name + "'");
   }
+  application->register_state_handler([this](::vsomeip::state_type_e state) { OnState(state); });
   {
     const std::lock_guard<std::mutex> lock(mutex_);
     thread_ = std::thread([this, application] { Run(*application); });
@@ -60,6 +64,8 @@ std::shared_ptr<::vsomeip::application> StackThread::Start() {
   // Only now: what exits first was there last. So the stack's own static objects, which init() has made, are still
   // there when it is stopped, and static proxies made from here on have been destroyed before.
   std::atexit([] { Get().Stop(); });
+  std::unique_lock<std::mutex> lock(mutex_);
+  changed_.wait_for(lock, kRegistrationTimeout, [this] { return registered_ || finished_; });
   return application;
 }
 
@@ -77,7 +83,22 @@ void StackThread::Run(::vsomeip::application& application) {
   }
   const std::lock_guard<std::mutex> lock(mutex_);
   finished_ = true;
-  has_finished_.notify_all();
+  changed_.notify_all();
+}
+
+void StackThread::OnState(::vsomeip::state_type_e state) {
+  const bool is_registered = state == ::vsomeip::state_type_e::ST_REGISTERED;
+  if (!is_registered) {
+    RivalCheck::Get().Forget();
+  }
+  const std::lock_guard<std::mutex> lock(mutex_);
+  registered_ = is_registered;
+  changed_.notify_all();
+}
+
+bool StackThread::IsRegistered() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return registered_;
 }
 
 std::shared_ptr<::vsomeip::application> StackThread::Running() {
@@ -94,7 +115,7 @@ void StackThread::Stop() {
   lock.unlock();
   application_->stop();  // not replaced any more; handlers that run now may want the lock
   lock.lock();
-  const bool finished = has_finished_.wait_for(lock, kStopTimeout, [this] { return finished_; });
+  const bool finished = changed_.wait_for(lock, kStopTimeout, [this] { return finished_; });
   lock.unlock();
   if (finished) {
     thread_.join();

@@ -107,7 +107,9 @@ TEST_F(GetterTest, DropsInvalidRequestsWithoutAnAnswer) {
   wrongVersion->set_interface_version(2);
   const auto notification = RequestTo(0x4010);
   notification->set_message_type(message_type_e::MT_NOTIFICATION);
-  for (const auto& request : {wrongVersion, notification}) {
+  const auto failed = RequestTo(0x4010);
+  failed->set_return_code(::vsomeip::return_code_e::E_NOT_OK);
+  for (const auto& request : {wrongVersion, notification, failed}) {
     testing::internal::CaptureStderr();
     EXPECT_EQ(AnswerTo(request), nullptr);
     EXPECT_THAT(testing::internal::GetCapturedStderr(),

@@ -227,6 +227,28 @@ TEST_F(OfferTest, AnInstanceHasOneSkeleton) {
   EXPECT_EQ(application_.CountLeftovers(), offered);
 }
 
+// The stack tells nobody but the reader of its own log. It is asked before each offer, and answers in that order.
+TEST_F(OfferTest, AnInstanceThatAnotherProcessOffersIsWarnedOf) {
+  SetAllFields(*skeleton_);
+  RouteBasedEnergyContentsSkeleton others({"8", "9"});
+  SetAllFields(others);
+  testing::internal::CaptureStderr();
+  skeleton_->OfferService();
+  others.OfferService();
+  skeleton_->StopOfferService();
+  skeleton_->OfferService();
+  EXPECT_TRUE(application_.AnswerWhatIsOffered({{kService, 9}, {kService + 1, 7}}));
+  EXPECT_TRUE(application_.AnswerWhatIsOffered({{kService, 9}}));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << "none of these was asked about, but 9 comes after 8";
+  testing::internal::CaptureStderr();
+  EXPECT_TRUE(application_.AnswerWhatIsOffered({{kService, 9}}));
+  EXPECT_TRUE(application_.AnswerWhatIsOffered({}));
+  const std::string log = testing::internal::GetCapturedStderr();
+  EXPECT_THAT(log, HasSubstr("Service 0x606f, instance 0x0009 is offered by another process already"));
+  EXPECT_EQ(log.find("instance 0x0007"), std::string::npos) << "the own offer is no rival of the renewed one";
+  EXPECT_FALSE(application_.AnswerWhatIsOffered({}));
+}
+
 // What the application believes afterwards, the stack believes.
 TEST_F(OfferTest, OffersAndWithdrawalsOfTwoThreadsTakeTurns) {
   RouteBasedEnergyContentsSkeleton both({"8", "9"});

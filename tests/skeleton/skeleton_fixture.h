@@ -37,6 +37,8 @@ class SkeletonTest : public ::testing::Test {
   }
   void TearDown() override {
     skeleton_.reset();
+    while (application_.AnswerWhatIsOffered({})) {
+    }
     application_.on_call = nullptr;
     application_.on_send = nullptr;
     application_.on_notify = nullptr;

@@ -21,12 +21,22 @@ class Recorder final : public RecordingApplication {
   const std::string& get_name() const override { return name_; }
   client_t get_client() const override { return kClient; }
   bool init() override { return true; }
-  void start() override {}
+  void start() override {
+    if (state_handler_) state_handler_(state_type_e::ST_REGISTERED);
+  }
   void stop() override {}
   bool is_routing() const override { return false; }
   bool is_available(service_t, instance_t, major_version_t, minor_version_t) const override { return false; }
-  void register_state_handler(const state_handler_t&) override {}
-  void unregister_state_handler() override {}
+  void register_state_handler(const state_handler_t& handler) override { state_handler_ = handler; }
+  void unregister_state_handler() override { state_handler_ = nullptr; }
+  void get_offered_services_async(offer_type_e, const offered_services_handler_t& handler) override {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    offered_services_handler_ = handler;  // the stack has one place for it
+    questions_.emplace_back();
+    for (const auto& [service, instance, event] : offered_) {
+      if (event == 0) questions_.back().emplace_back(service, instance);
+    }
+  }
   void clear_all_handler() override {}
 
   void offer_service(service_t service, instance_t instance, major_version_t major, minor_version_t minor) override {
@@ -150,6 +160,7 @@ class Recorder final : public RecordingApplication {
   }
 
   const std::string name_ = "recording";
+  state_handler_t state_handler_;  // set before start()
 };
 
 std::shared_ptr<Recorder> TheApplication() {
@@ -229,6 +240,18 @@ RecordingApplication::Call RecordingApplication::ArriveAvailability(service_t se
   const auto found = availability_handlers_.find(key);
   if (requested_.count(key) == 0 || found == availability_handlers_.end()) return nullptr;
   return [=, handler = found->second] { handler(service, instance, available); };
+}
+
+bool RecordingApplication::AnswerWhatIsOffered(const std::vector<std::pair<service_t, instance_t>>& by_others) {
+  std::unique_lock<std::mutex> lock(mutex_);
+  if (questions_.empty()) return false;
+  auto offered = std::move(questions_.front());
+  questions_.pop_front();
+  const auto handler = offered_services_handler_;
+  lock.unlock();
+  offered.insert(offered.end(), by_others.begin(), by_others.end());
+  handler(offered);
+  return true;
 }
 
 Message ResponseTo(const Message& request, const std::string& payload) {

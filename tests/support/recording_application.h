@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -9,6 +10,7 @@
 #include <set>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include <vsomeip/vsomeip.hpp>
@@ -60,6 +62,10 @@ class RecordingApplication : public RestOfApplication {
                     std::uint16_t status) const;
   Call ArriveAvailability(vsomeip::service_t service, vsomeip::instance_t instance, bool available) const;
 
+  /// Answers the oldest question for what is offered that has no answer yet: what was offered here when it was put, and
+  /// what others offer. False when there is none.
+  bool AnswerWhatIsOffered(const std::vector<std::pair<vsomeip::service_t, vsomeip::instance_t>>& by_others);
+
   /// The same, called at once, on the calling thread.
   void Deliver(const std::shared_ptr<vsomeip::message>& message) const { Make(Arrive(message)); }
   void ReportStatus(vsomeip::service_t service, vsomeip::instance_t instance, vsomeip::event_t event,
@@ -87,6 +93,8 @@ class RecordingApplication : public RestOfApplication {
   std::map<Key, vsomeip::message_handler_t> message_handlers_;
   std::map<Key, StatusHandler> status_handlers_;
   std::map<Key, vsomeip::availability_handler_t> availability_handlers_;
+  vsomeip::offered_services_handler_t offered_services_handler_;
+  std::deque<std::vector<std::pair<vsomeip::service_t, vsomeip::instance_t>>> questions_;
   std::set<Key> requested_;   // services, with 0 for the event, and events
   std::set<Key> subscribed_;  // eventgroups
   std::set<Key> offered_;     // services, with 0 for the event, and events

@@ -32,7 +32,6 @@ class RestOfApplication : public vsomeip::application {
                                            vsomeip::async_subscription_handler_sec_t) override {}
   void unregister_subscription_handler(vsomeip::service_t, vsomeip::instance_t, vsomeip::eventgroup_t) override {}
   void set_routing_state(vsomeip::routing_state_e) override {}
-  void get_offered_services_async(vsomeip::offer_type_e, const vsomeip::offered_services_handler_t&) override {}
   void set_watchdog_handler(const vsomeip::watchdog_handler_t&, std::chrono::seconds) override {}
   void set_sd_acceptance_required(const vsomeip::remote_info_t&, const std::string&, bool) override {}
   void set_sd_acceptance_required(const sd_acceptance_map_type_t&, bool) override {}

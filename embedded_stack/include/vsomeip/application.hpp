@@ -87,6 +87,9 @@ class VSOMEIP_IMPORT_EXPORT application {
   virtual void notify_one(service_t service, instance_t instance, event_t event, std::shared_ptr<payload> payload,
                           client_t client, bool force = false) const = 0;
 
+  // Calls the handler once with what this node, which is this process, offers. Other nodes reach all of it.
+  virtual void get_offered_services_async(offer_type_e type, const offered_services_handler_t& handler) = 0;
+
   virtual void register_state_handler(const state_handler_t& handler) = 0;
   virtual void unregister_state_handler() = 0;
 

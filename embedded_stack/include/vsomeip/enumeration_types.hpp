@@ -34,6 +34,9 @@ enum class return_code_e : std::uint8_t {
   E_UNKNOWN = 0xFF
 };
 
+// Which of a node's own offers: those that other nodes cannot reach, those that they can, or both.
+enum class offer_type_e : std::uint8_t { OT_LOCAL = 0x00, OT_REMOTE = 0x01, OT_ALL = 0x02 };
+
 enum class state_type_e : std::uint8_t { ST_REGISTERED = 0x00, ST_DEREGISTERED = 0x01 };
 
 // A field remembers its value: it goes to each new subscriber, and repeating it unchanged sends nothing.

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <utility>
+#include <vector>
 
 #include "vsomeip/enumeration_types.hpp"
 #include "vsomeip/primitive_types.hpp"
@@ -14,6 +16,7 @@ class message;
 class payload;
 
 using state_handler_t = std::function<void(state_type_e)>;
+using offered_services_handler_t = std::function<void(const std::vector<std::pair<service_t, instance_t>>&)>;
 using message_handler_t = std::function<void(const std::shared_ptr<message>&)>;
 using availability_handler_t = std::function<void(service_t, instance_t, bool)>;
 
