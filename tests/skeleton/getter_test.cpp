@@ -128,8 +128,15 @@ TEST_F(GetterTest, AMissingOrThrowingHandlerIsAnErrorResponse) {
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("no route\n"));
 
   using namespace kro::services::routebasedenergycontents::routebasedenergycontents_binding::vsomeip;
-  const ara::com::internal::vsomeip::skeleton::FieldImpl<Status, descriptors::rwmStatus> field(kInstance);
+  ara::com::internal::vsomeip::skeleton::FieldImpl<Status, descriptors::rwmStatus> field(kInstance);
   EXPECT_THROW(field.handleGet(RequestTo(0x4010)), ara::com::IllegalStateException);
+  field.RegisterGetHandler([] {
+    Promise<Status> promise;
+    promise.SetResult(StatusOf(1));
+    return promise.get_future();
+  });
+  field.handleGet(RequestTo(0x4010));
+  EXPECT_EQ(application_.TakeSent().size(), 1U);
 }
 
 // The thread that brings the request waits for the future, whoever makes it ready and whenever.
