@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model.
 #pragma once
 
 #include "ara/com/internal/vsomeip/common/field_descriptor.h"
@@ -11,9 +12,9 @@ namespace kro::services {
 
 /// The interfaces of which the library is the client.
 using ConsumedInterfaces = ara::com::internal::vsomeip::common::TypeList<
+    chargetimemanager::chargetimemanager_binding::vsomeip::descriptors::Interface,
     energysystem::energysystem_binding::vsomeip::descriptors::Interface,
-    routebasedconsumption::routebasedconsumption_binding::vsomeip::descriptors::Interface,
-    chargetimemanager::chargetimemanager_binding::vsomeip::descriptors::Interface>;
+    routebasedconsumption::routebasedconsumption_binding::vsomeip::descriptors::Interface>;
 
 /// The interfaces of which the library is the server.
 using ProvidedInterfaces = ara::com::internal::vsomeip::common::TypeList<

@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model.
 #include "interfaces/chargetimemanager/chargetimemanager_impl.h"
 #include "interfaces/energysystem/energysystem_impl.h"
 #include "interfaces/interface_list.h"
@@ -16,35 +17,35 @@ using Entry = ServiceMappingImpl<Service::ara_service_id, Service::service_id, S
                                  Service::minor_version, Service::required_minor_version, Service::minimum_minor_policy,
                                  Service::blacklisted_version_count, Service::blacklisted_versions, Proxy, Adapter>;
 
-namespace psd2 = kro::services::psd2::psd2_binding::vsomeip;
-namespace routebasedenergycontents = kro::services::routebasedenergycontents::routebasedenergycontents_binding::vsomeip;
-namespace energysystem = kro::services::energysystem::energysystem_binding::vsomeip;
-namespace routebasedconsumption = kro::services::routebasedconsumption::routebasedconsumption_binding::vsomeip;
 namespace chargetimemanager = kro::services::chargetimemanager::chargetimemanager_binding::vsomeip;
+namespace energysystem = kro::services::energysystem::energysystem_binding::vsomeip;
+namespace psd2 = kro::services::psd2::psd2_binding::vsomeip;
+namespace routebasedconsumption = kro::services::routebasedconsumption::routebasedconsumption_binding::vsomeip;
+namespace routebasedenergycontents = kro::services::routebasedenergycontents::routebasedenergycontents_binding::vsomeip;
 
-const Entry<psd2::descriptors::internal::Service, NoProxy, psd2::Psd2ServiceAdapter> psd2_entry;
-const Entry<routebasedenergycontents::descriptors::internal::Service, NoProxy,
-            routebasedenergycontents::RouteBasedEnergyContentsServiceAdapter>
-    routebasedenergycontents_entry;
+const Entry<chargetimemanager::descriptors::internal::Service, chargetimemanager::ChargeTimeManagerImpl, NoAdapter>
+    chargetimemanager_entry;
 const Entry<energysystem::descriptors::internal::Service, energysystem::EnergySystemImpl, NoAdapter> energysystem_entry;
+const Entry<psd2::descriptors::internal::Service, NoProxy, psd2::Psd2ServiceAdapter> psd2_entry;
 const Entry<routebasedconsumption::descriptors::internal::Service, routebasedconsumption::RouteBasedConsumptionImpl,
             NoAdapter>
     routebasedconsumption_entry;
-const Entry<chargetimemanager::descriptors::internal::Service, chargetimemanager::ChargeTimeManagerImpl, NoAdapter>
-    chargetimemanager_entry;
+const Entry<routebasedenergycontents::descriptors::internal::Service, NoProxy,
+            routebasedenergycontents::RouteBasedEnergyContentsServiceAdapter>
+    routebasedenergycontents_entry;
 
 constexpr const VSomeIPServiceMapping::Mapping* EntryOfServiceId(std::uint16_t araServiceId) {
   switch (araServiceId) {
-    case psd2::descriptors::internal::Service::ara_service_id:
-      return &psd2_entry;
-    case routebasedenergycontents::descriptors::internal::Service::ara_service_id:
-      return &routebasedenergycontents_entry;
-    case energysystem::descriptors::internal::Service::ara_service_id:
-      return &energysystem_entry;
-    case routebasedconsumption::descriptors::internal::Service::ara_service_id:
-      return &routebasedconsumption_entry;
     case chargetimemanager::descriptors::internal::Service::ara_service_id:
       return &chargetimemanager_entry;
+    case energysystem::descriptors::internal::Service::ara_service_id:
+      return &energysystem_entry;
+    case psd2::descriptors::internal::Service::ara_service_id:
+      return &psd2_entry;
+    case routebasedconsumption::descriptors::internal::Service::ara_service_id:
+      return &routebasedconsumption_entry;
+    case routebasedenergycontents::descriptors::internal::Service::ara_service_id:
+      return &routebasedenergycontents_entry;
     default:
       return nullptr;
   }
@@ -52,16 +53,16 @@ constexpr const VSomeIPServiceMapping::Mapping* EntryOfServiceId(std::uint16_t a
 
 constexpr const VSomeIPServiceMapping::Mapping* EntryOfVSomeIPServiceId(std::uint16_t someipServiceId) {
   switch (someipServiceId) {
-    case psd2::descriptors::internal::Service::service_id:
-      return &psd2_entry;
-    case routebasedenergycontents::descriptors::internal::Service::service_id:
-      return &routebasedenergycontents_entry;
-    case energysystem::descriptors::internal::Service::service_id:
-      return &energysystem_entry;
-    case routebasedconsumption::descriptors::internal::Service::service_id:
-      return &routebasedconsumption_entry;
     case chargetimemanager::descriptors::internal::Service::service_id:
       return &chargetimemanager_entry;
+    case energysystem::descriptors::internal::Service::service_id:
+      return &energysystem_entry;
+    case psd2::descriptors::internal::Service::service_id:
+      return &psd2_entry;
+    case routebasedconsumption::descriptors::internal::Service::service_id:
+      return &routebasedconsumption_entry;
+    case routebasedenergycontents::descriptors::internal::Service::service_id:
+      return &routebasedenergycontents_entry;
     default:
       return nullptr;
   }

@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/chargetimemanager.json.
 #pragma once
 
 #include <cstdint>
@@ -6,8 +7,9 @@
 #include "core_types/optional.h"
 #include "core_types/record_equality.h"
 
-/// The record of the chargetimemanager field. Every member is optional; `enumerate` lists the members with their data
-/// ids, in the order in which they go on the wire.
+/// The record of the chargetimemanager field. Every member of every record is optional; `enumerate` lists the members
+/// with their data ids, in the order in which they go on the wire. The interface definition names no units. Our choice:
+/// that integers are unsigned.
 namespace kro::services::chargetimemanager::datatypes {
 
 using ara::core::records::operator==;

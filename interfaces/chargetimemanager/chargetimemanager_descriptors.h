@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/chargetimemanager.json.
 #pragma once
 
 #include <vector>

@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/chargetimemanager.json.
 #include "interfaces/chargetimemanager/chargetimemanager_impl.h"
 
 namespace kro::services::chargetimemanager {

@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/chargetimemanager.json.
 #pragma once
 
 #include <cstdint>
@@ -18,9 +19,7 @@ class TARN7_EXPORT ChargeTimeManagerImpl final : public proxy::ChargeTimeManager
   explicit ChargeTimeManagerImpl(std::uint16_t instance);
   ~ChargeTimeManagerImpl() override;
 
-  MutableField<datatypes::DT_chargeTimeCalculations_struct>& GetchargeTimeCalculations() override {
-    return chargeTimeCalculations_;
-  }
+  proxy::fields::chargeTimeCalculations& GetchargeTimeCalculations() override { return chargeTimeCalculations_; }
 
  private:
   template <typename Descriptor>

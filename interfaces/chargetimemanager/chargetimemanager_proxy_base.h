@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/chargetimemanager.json.
 #pragma once
 
 #include <vector>
@@ -14,16 +15,19 @@ class ChargeTimeManager {};
 
 namespace proxy {
 
+/// The types of the fields. That of a field's value is `fields::chargeTimeCalculations::FieldType`.
+namespace fields {
+using chargeTimeCalculations =
+    ara::com::internal::proxy::MutableField<std::vector<datatypes::DT_chargeTimeCalculations_struct>>;
+}  // namespace fields
+
 /// What a binding of the interface offers to the application's proxy.
 class TARN7_EXPORT ChargeTimeManagerProxyBase : public ara::com::internal::proxy::ProxyBindingBase,
                                                 public ChargeTimeManager {
  public:
-  template <typename Record>
-  using MutableField = ara::com::internal::proxy::MutableField<std::vector<Record>>;
-
   ~ChargeTimeManagerProxyBase() override;
 
-  virtual MutableField<datatypes::DT_chargeTimeCalculations_struct>& GetchargeTimeCalculations() = 0;
+  virtual fields::chargeTimeCalculations& GetchargeTimeCalculations() = 0;
 };
 
 }  // namespace proxy

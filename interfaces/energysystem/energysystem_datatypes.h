@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/energysystem.json.
 #pragma once
 
 #include <cstdint>
@@ -5,8 +6,9 @@
 #include "core_types/optional.h"
 #include "core_types/record_equality.h"
 
-/// The records of the energysystem fields. Every member is optional; `enumerate` lists the members with their data ids,
-/// in the order in which they go on the wire. The interface model names no units.
+/// The records of the energysystem fields. Every member of every record is optional; `enumerate` lists the members with
+/// their data ids, in the order in which they go on the wire. The interface definition names no units. Our choice: that
+/// integers are unsigned.
 namespace kro::services::energysystem::datatypes {
 
 using ara::core::records::operator==;

@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/energysystem.json.
 #pragma once
 
 #include <vector>

@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/energysystem.json.
 #include "interfaces/energysystem/energysystem_impl.h"
 
 namespace kro::services::energysystem {

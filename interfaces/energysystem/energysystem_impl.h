@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/energysystem.json.
 #pragma once
 
 #include <cstdint>
@@ -18,10 +19,10 @@ class TARN7_EXPORT EnergySystemImpl final : public proxy::EnergySystemProxyBase,
   explicit EnergySystemImpl(std::uint16_t instance);
   ~EnergySystemImpl() override;
 
-  Field<datatypes::DT_highVoltageBatteries_struct>& GethighVoltageBatteries() override { return highVoltageBatteries_; }
-  Field<datatypes::DT_lowVoltageBatteries_struct>& GetlowVoltageBatteries() override { return lowVoltageBatteries_; }
-  Field<datatypes::DT_lowVoltageSystemInfo_struct>& GetlowVoltageSystemInfo() override { return lowVoltageSystemInfo_; }
-  Field<datatypes::DT_notifications_struct>& Getnotifications() override { return notifications_; }
+  proxy::fields::highVoltageBatteries& GethighVoltageBatteries() override { return highVoltageBatteries_; }
+  proxy::fields::lowVoltageBatteries& GetlowVoltageBatteries() override { return lowVoltageBatteries_; }
+  proxy::fields::lowVoltageSystemInfo& GetlowVoltageSystemInfo() override { return lowVoltageSystemInfo_; }
+  proxy::fields::notifications& Getnotifications() override { return notifications_; }
 
  private:
   template <typename Descriptor>

@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/energysystem.json.
 #pragma once
 
 #include "ara/com/service_proxy.h"
@@ -8,10 +9,9 @@ namespace kro::services::energysystem::proxy {
 
 /// The application's access to the vehicle's energy system: batteries, low-voltage system state and notifications.
 ///
-///     const auto handles = EnergySystemProxy::FindService();
-///     if (!handles.empty()) {
-///       EnergySystemProxy energySystem(handles.front());
-///       auto batteries = energySystem.highVoltageBatteries.Get();
+///     for (const auto& handle : EnergySystemProxy::FindService()) {
+///       EnergySystemProxy energySystem(handle);
+///       auto answer = energySystem.highVoltageBatteries.Get();
 ///       ...
 ///
 /// A proxy outlives restarts of the service: getters work again and subscriptions come back when the service does.
@@ -22,16 +22,13 @@ class EnergySystemProxy
   explicit EnergySystemProxy(const HandleType& handle) : ServiceProxy(handle) {}
 
   /// A sequence of records, one per high-voltage battery.
-  EnergySystemProxyBase::Field<datatypes::DT_highVoltageBatteries_struct>& highVoltageBatteries =
-      GetBinding().GethighVoltageBatteries();
+  fields::highVoltageBatteries& highVoltageBatteries = GetBinding().GethighVoltageBatteries();
   /// A sequence of records, one per low-voltage battery.
-  EnergySystemProxyBase::Field<datatypes::DT_lowVoltageBatteries_struct>& lowVoltageBatteries =
-      GetBinding().GetlowVoltageBatteries();
+  fields::lowVoltageBatteries& lowVoltageBatteries = GetBinding().GetlowVoltageBatteries();
   /// The state of the low-voltage system.
-  EnergySystemProxyBase::Field<datatypes::DT_lowVoltageSystemInfo_struct>& lowVoltageSystemInfo =
-      GetBinding().GetlowVoltageSystemInfo();
+  fields::lowVoltageSystemInfo& lowVoltageSystemInfo = GetBinding().GetlowVoltageSystemInfo();
   /// Notifications of the energy system.
-  EnergySystemProxyBase::Field<datatypes::DT_notifications_struct>& notifications = GetBinding().Getnotifications();
+  fields::notifications& notifications = GetBinding().Getnotifications();
 };
 
 }  // namespace kro::services::energysystem::proxy

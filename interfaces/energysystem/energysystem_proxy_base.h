@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/energysystem.json.
 #pragma once
 
 #include <vector>
@@ -14,18 +15,23 @@ class EnergySystem {};
 
 namespace proxy {
 
+/// The types of the fields. That of a field's value is `fields::highVoltageBatteries::FieldType`.
+namespace fields {
+using highVoltageBatteries = ara::com::internal::proxy::Field<std::vector<datatypes::DT_highVoltageBatteries_struct>>;
+using lowVoltageBatteries = ara::com::internal::proxy::Field<std::vector<datatypes::DT_lowVoltageBatteries_struct>>;
+using lowVoltageSystemInfo = ara::com::internal::proxy::Field<std::vector<datatypes::DT_lowVoltageSystemInfo_struct>>;
+using notifications = ara::com::internal::proxy::Field<std::vector<datatypes::DT_notifications_struct>>;
+}  // namespace fields
+
 /// What a binding of the interface offers to the application's proxy.
 class TARN7_EXPORT EnergySystemProxyBase : public ara::com::internal::proxy::ProxyBindingBase, public EnergySystem {
  public:
-  template <typename Record>
-  using Field = ara::com::internal::proxy::Field<std::vector<Record>>;
-
   ~EnergySystemProxyBase() override;
 
-  virtual Field<datatypes::DT_highVoltageBatteries_struct>& GethighVoltageBatteries() = 0;
-  virtual Field<datatypes::DT_lowVoltageBatteries_struct>& GetlowVoltageBatteries() = 0;
-  virtual Field<datatypes::DT_lowVoltageSystemInfo_struct>& GetlowVoltageSystemInfo() = 0;
-  virtual Field<datatypes::DT_notifications_struct>& Getnotifications() = 0;
+  virtual fields::highVoltageBatteries& GethighVoltageBatteries() = 0;
+  virtual fields::lowVoltageBatteries& GetlowVoltageBatteries() = 0;
+  virtual fields::lowVoltageSystemInfo& GetlowVoltageSystemInfo() = 0;
+  virtual fields::notifications& Getnotifications() = 0;
 };
 
 }  // namespace proxy

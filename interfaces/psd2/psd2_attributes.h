@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/psd2.json.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +10,7 @@
 /// Attributes of the map's objects, and the speed limits that hold where nothing else is said.
 namespace kro::services::psd2::datatypes {
 
-/// A kind of attribute and its value. The choice of its members is ours.
+/// An attribute. Taken for: a kind and a value. Our choice: its members.
 struct DT_attribute {
   ara::core::Optional<std::uint16_t> member0;
   ara::core::Optional<std::uint32_t> member1;
@@ -21,7 +22,7 @@ struct DT_attribute {
   }
 };
 
-/// An attribute at an offset. The choice of its members is ours.
+/// An attribute at a point. Taken for: an offset and an attribute. Our choice: its members.
 struct DT_attributePoint {
   ara::core::Optional<std::uint32_t> member0;
   ara::core::Optional<DT_attribute> member1;
@@ -33,7 +34,7 @@ struct DT_attributePoint {
   }
 };
 
-/// An attribute of a part of an object. The choice of its members is ours.
+/// An attribute of a part of an object. Our choice: its members.
 struct DT_referencedAttribute {
   ara::core::Optional<DT_rangedReference> member0;
   ara::core::Optional<DT_attribute> member1;
@@ -45,9 +46,9 @@ struct DT_referencedAttribute {
   }
 };
 
-/// A condition under which something holds.
+/// A constraint. Taken for: a condition under which something holds.
 struct DT_constraint {
-  /// Four small values.
+  /// Four small values. Taken for: flags.
   struct Flags {
     ara::core::Optional<std::uint8_t> member0;
     ara::core::Optional<std::uint8_t> member1;
@@ -63,7 +64,7 @@ struct DT_constraint {
     }
   };
 
-  ara::core::Optional<SequenceBox<std::uint32_t>> member0;  ///< the width of the elements is our choice
+  ara::core::Optional<SequenceBox<std::uint32_t>> member0;  ///< our choice: the width of the elements
   ara::core::Optional<Flags> member1;
   ara::core::Optional<Box<std::uint32_t>> member2;
   ara::core::Optional<Box<std::uint32_t>> member3;

@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/psd2.json.
 #pragma once
 
 /// All records of the psd2 fields.

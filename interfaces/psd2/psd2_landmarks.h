@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/psd2.json.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +9,7 @@
 /// The landmarks by which a vehicle can tell where it is.
 namespace kro::services::psd2::datatypes {
 
-/// A detail of a landmark. The choice of its members is ours.
+/// A detail of a landmark. Our choice: its members.
 struct DT_landmarkObjectDetails {
   ara::core::Optional<std::uint8_t> member0;
   ara::core::Optional<Triple> member1;
@@ -22,7 +23,7 @@ struct DT_landmarkObjectDetails {
   }
 };
 
-/// A landmark, its details and its position.
+/// A landmark and its details. Taken for: the triple is its position.
 struct DT_landmark {
   ara::core::Optional<std::uint8_t> member0;
   ara::core::Optional<SequenceBox<DT_landmarkObjectDetails>> member1;

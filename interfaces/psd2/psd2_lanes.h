@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/psd2.json.
 #pragma once
 
 #include <cstdint>
@@ -22,7 +23,7 @@ struct DT_lane {
   ara::core::Optional<DT_reference> member7;
   ara::core::Optional<DT_reference> member8;
   ara::core::Optional<std::uint8_t> member9;
-  ara::core::Optional<SequenceBox<DT_attribute>> member10;  ///< the choice of its contents is ours
+  ara::core::Optional<SequenceBox<DT_attribute>> member10;  ///< our choice: its contents
   ara::core::Optional<std::uint32_t> member11;
 
   template <typename Record, typename Enumerator>
@@ -41,9 +42,9 @@ struct DT_lane {
   }
 };
 
-/// What a lane ends at: a line, a kerb, a wall.
+/// The boundary of a lane. Taken for: a line, a kerb, a wall.
 struct DT_laneBoundary {
-  /// Two values.
+  /// Two values. Taken for: an extent.
   struct Extent {
     ara::core::Optional<std::uint32_t> member0;
     ara::core::Optional<std::uint32_t> member1;
@@ -75,7 +76,7 @@ struct DT_laneBoundary {
   }
 };
 
-/// Boundaries that belong together. The choice of its members is ours.
+/// Boundaries that belong together. Our choice: its members.
 struct DT_laneBoundaryGroup {
   ara::core::Optional<std::uint8_t> member0;
   ara::core::Optional<SequenceBox<DT_laneBoundary>> member1;
@@ -87,7 +88,7 @@ struct DT_laneBoundaryGroup {
   }
 };
 
-/// Boundaries beside each other. The choice of its members is ours.
+/// Boundaries beside each other. Our choice: its members.
 struct DT_laneBoundaryParallelElement {
   ara::core::Optional<std::uint32_t> member0;
   ara::core::Optional<DT_laneBoundaryGroup> member1;
@@ -99,9 +100,9 @@ struct DT_laneBoundaryParallelElement {
   }
 };
 
-/// The lanes of a part of the road.
+/// Lanes that belong together. Taken for: the lanes of a part of the road.
 struct DT_laneGroup {
-  /// Boundaries along the group. That there is a member 0, and its width, is our choice.
+  /// Taken for: boundaries along the group. Our choice: that there is a member 0, and its width.
   struct Boundaries {
     ara::core::Optional<std::uint8_t> member0;
     ara::core::Optional<std::vector<DT_laneBoundaryParallelElement>> member1;
@@ -113,7 +114,7 @@ struct DT_laneGroup {
     }
   };
 
-  /// References under a number.
+  /// References under a number. Taken for: a connection.
   struct Connection {
     ara::core::Optional<Box<std::uint32_t>> member0;
     ara::core::Optional<SequenceBox<DT_reference>> member1;

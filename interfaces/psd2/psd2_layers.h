@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/psd2.json.
 #pragma once
 
 #include <cstdint>
@@ -16,9 +17,9 @@
 /// The layers of the map: each is the record of one field.
 namespace kro::services::psd2::datatypes {
 
-/// What the map says of itself.
+/// Data about the map.
 struct DT_metaData {
-  /// Two numbers.
+  /// Two numbers. Taken for: a version.
   struct Version {
     ara::core::Optional<std::uint8_t> member0;
     ara::core::Optional<std::uint16_t> member1;
@@ -30,7 +31,7 @@ struct DT_metaData {
     }
   };
 
-  /// A number and its kind.
+  /// Two numbers. Taken for: a region and its kind.
   struct Region {
     ara::core::Optional<Box<std::uint32_t>> member0;
     ara::core::Optional<std::uint8_t> member1;
@@ -62,7 +63,7 @@ struct DT_metaData {
   }
 };
 
-/// What a layer holds, and from which map.
+/// What a layer says of itself. Taken for: what it holds, and from which map.
 struct DT_layerInfo {
   /// Three numbers.
   struct Entry {
@@ -88,7 +89,7 @@ struct DT_layerInfo {
   }
 };
 
-/// The vehicle's position at a time. The choice of the members is ours.
+/// The content of the ego position's layer. Taken for: the vehicle's position at a time. Our choice: its members.
 struct EgoPosition {
   ara::core::Optional<std::uint64_t> member0;
   ara::core::Optional<DT_pose> member1;
@@ -108,7 +109,7 @@ struct EgoPosition {
   }
 };
 
-/// An attribute of a part of the map, for a time. The choice of the members is ours.
+/// The content of the dynamic layer. Taken for: an attribute of a part of the map, for a time. Our choice: its members.
 struct DynamicContent {
   ara::core::Optional<DT_referencedAttribute> member0;
   ara::core::Optional<std::uint64_t> member1;
@@ -154,7 +155,7 @@ struct DT_positioningObjectsLayer_struct : Layer<DT_landmark> {};
 /// Where the vehicle is on the map.
 struct DT_egoPositionLayer_struct : Layer<EgoPosition> {};
 
-/// What changes on the road: closures, weather, traffic.
+/// What changes on the road. Taken for: closures, weather, traffic.
 struct DT_dynamicContentLayer_struct : Layer<DynamicContent> {};
 
 /// The parking garages.
@@ -184,7 +185,7 @@ struct DT_timezoneInformation_struct {
     }
   };
 
-  /// The zone and the times between which it holds.
+  /// A time zone. Taken for: the zone and the times between which it holds.
   struct TimeZone {
     ara::core::Optional<Box<std::uint32_t>> member0;
     ara::core::Optional<DateTime> member1;

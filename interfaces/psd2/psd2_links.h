@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/psd2.json.
 #pragma once
 
 #include <cstdint>
@@ -12,13 +13,13 @@ namespace kro::services::psd2::datatypes {
 
 /// A link and what is known of it.
 struct DT_link {
-  /// A part of the link. Data id 5 is not used.
+  /// Data id 5 is not used. Taken for: a part of the link.
   struct Segment {
     ara::core::Optional<std::uint32_t> member0;
     ara::core::Optional<std::uint32_t> member1;
     ara::core::Optional<std::uint32_t> member2;
     ara::core::Optional<std::uint32_t> member3;
-    ara::core::Optional<Box<std::uint32_t>> member4;  ///< that this record has one member only is our choice
+    ara::core::Optional<Box<std::uint32_t>> member4;  ///< our choice: that this record has one member only
     ara::core::Optional<std::uint8_t> member6;
 
     template <typename Record, typename Enumerator>
@@ -32,11 +33,11 @@ struct DT_link {
     }
   };
 
-  /// Attributes along the link.
+  /// Taken for: attributes along the link.
   struct Profile {
     ara::core::Optional<std::uint32_t> member0;
     ara::core::Optional<std::uint16_t> member1;
-    ara::core::Optional<Box<std::uint32_t>> member2;  ///< that this record has one member only is our choice
+    ara::core::Optional<Box<std::uint32_t>> member2;  ///< our choice: that this record has one member only
     ara::core::Optional<SequenceBox<DT_attributePoint>> member3;
 
     template <typename Record, typename Enumerator>
@@ -57,7 +58,7 @@ struct DT_link {
   ara::core::Optional<Box<std::uint32_t>> member6;
   ara::core::Optional<Box<std::uint32_t>> member7;
   ara::core::Optional<SequenceBox<Segment>> member8;
-  ara::core::Optional<SequenceBox<DT_attribute>> member9;  ///< the choice of its contents is ours
+  ara::core::Optional<SequenceBox<DT_attribute>> member9;  ///< our choice: its contents
   ara::core::Optional<std::uint8_t> member10;
   ara::core::Optional<std::uint8_t> member11;
   ara::core::Optional<Box<std::uint32_t>> member12;

@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/psd2.json.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +12,7 @@
 /// The parking garages and their sections.
 namespace kro::services::psd2::datatypes {
 
-/// An area to park in. The choice of its members is ours.
+/// An area to park in. Our choice: its members.
 struct DT_parkingArea {
   ara::core::Optional<DT_reference> member0;
   ara::core::Optional<DT_polyline> member1;
@@ -25,7 +26,7 @@ struct DT_parkingArea {
   }
 };
 
-/// A row of places. The choice of its members is ours.
+/// A row of places. Our choice: its members.
 struct DT_parkingRow {
   ara::core::Optional<DT_relativeCoordinate> member0;
   ara::core::Optional<DT_relativeCoordinate> member1;
@@ -39,7 +40,7 @@ struct DT_parkingRow {
   }
 };
 
-/// Rows of places. The choice of its member is ours.
+/// Rows of places. Our choice: its member.
 struct DT_parkingRowList {
   ara::core::Optional<std::vector<DT_parkingRow>> member0;
 
@@ -49,7 +50,7 @@ struct DT_parkingRowList {
   }
 };
 
-/// A level, or another part, of a garage. The order of its members is our choice.
+/// A section of a garage. Taken for: a level, or another part. Our choice: the order of its members.
 struct DT_parkingGarageSection {
   ara::core::Optional<DT_reference> member0;
   ara::core::Optional<std::string> member1;
@@ -73,7 +74,7 @@ struct DT_parkingGarageSection {
 
 /// A parking garage.
 struct DT_parkingGarage {
-  /// The areas of the garage and its number of places. The choice of the members is ours.
+  /// Taken for: the areas of the garage and its number of places. Our choice: its members.
   struct Areas {
     ara::core::Optional<SequenceBox<DT_parkingArea>> member0;
     ara::core::Optional<std::uint16_t> member1;

@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/psd2.json.
 #pragma once
 
 #include <cstdint>
@@ -23,7 +24,7 @@ struct DT_reference {
   }
 };
 
-/// References to several objects. The choice of its member is ours.
+/// References to several objects. Our choice: its member.
 struct DT_referenceList {
   ara::core::Optional<std::vector<DT_reference>> member0;
 
@@ -33,7 +34,7 @@ struct DT_referenceList {
   }
 };
 
-/// A reference to a part of an object, from one offset to another.
+/// A reference to a part of an object. Taken for: a reference and two offsets.
 struct DT_rangedReference {
   ara::core::Optional<DT_reference> member0;
   ara::core::Optional<std::uint32_t> member1;
@@ -61,7 +62,7 @@ struct DT_wgs84Coordinate {
   }
 };
 
-/// A position and a heading.
+/// A pose. Taken for: a position and a heading.
 struct DT_pose {
   ara::core::Optional<DT_wgs84Coordinate> member0;
   ara::core::Optional<std::uint32_t> member1;
@@ -105,7 +106,7 @@ struct DT_clothoid {
   }
 };
 
-/// A line through points or along curves. The choice of its members is ours.
+/// A line. Taken for: a line through points or along curves. Our choice: its members.
 struct DT_polyline {
   ara::core::Optional<SequenceBox<DT_wgs84Coordinate>> member0;
   ara::core::Optional<SequenceBox<DT_clothoid>> member1;
@@ -119,7 +120,7 @@ struct DT_polyline {
 
 /// A way along objects of the map.
 struct DT_path {
-  /// One object on the way. The order of the members is our choice.
+  /// Taken for: one object on the way. Our choice: the order of its members.
   struct Element {
     ara::core::Optional<std::uint8_t> member0;
     ara::core::Optional<DT_reference> member1;

@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/psd2.json.
 #pragma once
 
 #include "ara/com/internal/vsomeip/skeleton/service_adapter.h"

@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/psd2.json.
 #pragma once
 
 #include <array>
@@ -7,10 +8,10 @@
 #include "core_types/optional.h"
 #include "core_types/record_equality.h"
 
-/// Shapes that recur throughout the psd2 records. Every member of every record is optional and held in a heap
-/// allocation of its own; `enumerate` lists the members with their data ids, in the order in which they go on the wire.
-/// The interface model fixes the widths of numbers only: all are unsigned here, which is this library's choice (a
-/// negative number is its two's complement, a float its bits). It names no units.
+/// Shapes that recur throughout the psd2 records. Every member of every record is optional; `enumerate` lists the
+/// members with their data ids, in the order in which they go on the wire. The interface definition names no units. Our
+/// choice: that all numbers are unsigned (a negative number is its two's complement, a float its bits), as only their
+/// widths are defined; and the names of nested records, and of others that do not begin with DT_.
 namespace kro::services::psd2::datatypes {
 
 using ara::core::records::operator==;

@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/psd2.json.
 #include "interfaces/psd2/psd2_skeleton.h"
 
 #include <utility>

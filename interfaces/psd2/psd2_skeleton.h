@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/psd2.json.
 #pragma once
 
 #include <vector>
@@ -9,20 +10,36 @@
 
 namespace kro::services::psd2::skeleton {
 
+/// The types of the fields. That of a field's value is `fields::linkLayerLongRange::FieldType`.
+namespace fields {
+using automatedParkingLayer =
+    ara::com::internal::skeleton::SkeletonField<std::vector<datatypes::DT_automatedParkingLayer_struct>>;
+using dynamicContentLayer =
+    ara::com::internal::skeleton::SkeletonField<std::vector<datatypes::DT_dynamicContentLayer_struct>>;
+using egoPositionLayer =
+    ara::com::internal::skeleton::SkeletonField<std::vector<datatypes::DT_egoPositionLayer_struct>>;
+using laneLayer = ara::com::internal::skeleton::SkeletonField<std::vector<datatypes::DT_laneLayer_struct>>;
+using linkLayerLongRange =
+    ara::com::internal::skeleton::SkeletonField<std::vector<datatypes::DT_linkLayerLongRange_struct>>;
+using linkLayerShortRange =
+    ara::com::internal::skeleton::SkeletonField<std::vector<datatypes::DT_linkLayerShortRange_struct>>;
+using positioningObjectsLayer =
+    ara::com::internal::skeleton::SkeletonField<std::vector<datatypes::DT_positioningObjectsLayer_struct>>;
+using timezoneInformation =
+    ara::com::internal::skeleton::SkeletonField<std::vector<datatypes::DT_timezoneInformation_struct>>;
+}  // namespace fields
+
 /// Offers the application's map to the vehicle, one layer a field.
 ///
-///     Psd2Skeleton map({"1"});
-///     map.linkLayerLongRange.Update(links);        // every field needs a value ...
-///     map.linkLayerLongRange.ServeCurrentValue();  // ... and something that answers its getter
+///     Psd2Skeleton psd2({"1"});
+///     psd2.linkLayerLongRange.Update(value);        // every field needs a value ...
+///     psd2.linkLayerLongRange.ServeCurrentValue();  // ... and something that answers its getter
 ///     ...
-///     map.OfferService();
+///     psd2.OfferService();
 ///
 /// An application that derives from this class withdraws the offer in its own destructor.
 class TARN7_EXPORT Psd2Skeleton : public ara::com::internal::skeleton::TypedServiceImplBase<Psd2Skeleton> {
  public:
-  template <typename Record>
-  using Field = ara::com::internal::skeleton::SkeletonField<std::vector<Record>>;
-
   /// `instances` are the instances to be offered. Throws std::invalid_argument when there is none.
   explicit Psd2Skeleton(ara::com::InstanceIdentifierContainer instances);
   /// Withdraws the offer. Afterwards no get handler runs; one that is running is waited for.
@@ -38,21 +55,21 @@ class TARN7_EXPORT Psd2Skeleton : public ara::com::internal::skeleton::TypedServ
   void StopOfferService();
 
   /// The parking garages.
-  Field<datatypes::DT_automatedParkingLayer_struct> automatedParkingLayer;
-  /// What changes on the road: closures, weather, traffic.
-  Field<datatypes::DT_dynamicContentLayer_struct> dynamicContentLayer;
+  fields::automatedParkingLayer automatedParkingLayer;
+  /// What changes on the road.
+  fields::dynamicContentLayer dynamicContentLayer;
   /// Where the vehicle is on the map.
-  Field<datatypes::DT_egoPositionLayer_struct> egoPositionLayer;
+  fields::egoPositionLayer egoPositionLayer;
   /// The lanes.
-  Field<datatypes::DT_laneLayer_struct> laneLayer;
+  fields::laneLayer laneLayer;
   /// The links far ahead.
-  Field<datatypes::DT_linkLayerLongRange_struct> linkLayerLongRange;
+  fields::linkLayerLongRange linkLayerLongRange;
   /// The links close ahead.
-  Field<datatypes::DT_linkLayerShortRange_struct> linkLayerShortRange;
+  fields::linkLayerShortRange linkLayerShortRange;
   /// The landmarks.
-  Field<datatypes::DT_positioningObjectsLayer_struct> positioningObjectsLayer;
+  fields::positioningObjectsLayer positioningObjectsLayer;
   /// The time zone of the vehicle's position.
-  Field<datatypes::DT_timezoneInformation_struct> timezoneInformation;
+  fields::timezoneInformation timezoneInformation;
 };
 
 }  // namespace kro::services::psd2::skeleton

@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/routebasedconsumption.json.
 #pragma once
 
 #include <cstdint>
@@ -5,10 +6,10 @@
 #include "core_types/optional.h"
 #include "core_types/record_equality.h"
 
-/// The records of the routebasedconsumption fields. Every member is optional; `enumerate` lists the members with their
-/// data ids, in the order in which they go on the wire. Where a record mixes numbers, the physical values (speeds,
-/// ratios, energies, consumptions) are floats and the identifiers and counters unsigned: which member is which is this
-/// library's choice, noted at the member. The interface model names no units.
+/// The records of the routebasedconsumption fields. Every member of every record is optional; `enumerate` lists the
+/// members with their data ids, in the order in which they go on the wire. The interface definition names no units. Our
+/// choice: that integers are unsigned, and which members are floats where a record mixes numbers: those taken for
+/// physical values (speeds, ratios, energies, consumptions).
 namespace kro::services::routebasedconsumption::datatypes {
 
 using ara::core::records::operator==;
@@ -38,7 +39,7 @@ struct DT_customerActionTriggers_struct {
   }
 };
 
-/// Set-up: speed limits per road kind.
+/// Set-up: speed limits. Taken for: one limit per road kind.
 struct DT_setupSpeedLimits_struct {
   ara::core::Optional<std::uint32_t> member0;
   ara::core::Optional<std::uint32_t> member1;
@@ -54,7 +55,7 @@ struct DT_setupSpeedLimits_struct {
   }
 };
 
-/// Set-up: thresholds between speed ranges.
+/// Set-up: speed thresholds. Taken for: the limits between speed ranges.
 struct DT_setupSpeedThresholds_struct {
   ara::core::Optional<std::uint32_t> member0;
   ara::core::Optional<std::uint32_t> member1;
@@ -70,13 +71,13 @@ struct DT_setupSpeedThresholds_struct {
   }
 };
 
-/// Set-up: the ratio of driven speed to the limit.
+/// Set-up: real-speed ratios. Taken for: the driven speed over the limit. Our choice: which members are floats.
 struct DT_setupRealSpeedRatios_struct {
-  ara::core::Optional<std::uint32_t> member0;  ///< identifier
-  ara::core::Optional<std::uint32_t> member1;  ///< identifier
-  ara::core::Optional<float> member2;          ///< ratio
-  ara::core::Optional<float> member3;          ///< ratio
-  ara::core::Optional<float> member4;          ///< ratio
+  ara::core::Optional<std::uint32_t> member0;  ///< taken for: identifier
+  ara::core::Optional<std::uint32_t> member1;  ///< taken for: identifier
+  ara::core::Optional<float> member2;          ///< taken for: ratio
+  ara::core::Optional<float> member3;          ///< taken for: ratio
+  ara::core::Optional<float> member4;          ///< taken for: ratio
 
   template <typename Record, typename Enumerator>
   static void enumerate(Record& record, Enumerator&& enumerator) {
@@ -88,12 +89,12 @@ struct DT_setupRealSpeedRatios_struct {
   }
 };
 
-/// The energy that the battery holds.
+/// Energy contents. Taken for: the energy that the battery holds. Our choice: which members are floats.
 struct DT_energyContents_struct {
-  ara::core::Optional<std::uint32_t> member0;  ///< identifier
-  ara::core::Optional<float> member1;          ///< energy
-  ara::core::Optional<float> member2;          ///< energy
-  ara::core::Optional<float> member3;          ///< energy
+  ara::core::Optional<std::uint32_t> member0;  ///< taken for: identifier
+  ara::core::Optional<std::uint32_t> member1;  ///< taken for: identifier
+  ara::core::Optional<float> member2;          ///< taken for: energy
+  ara::core::Optional<float> member3;          ///< taken for: energy
 
   template <typename Record, typename Enumerator>
   static void enumerate(Record& record, Enumerator&& enumerator) {
@@ -104,13 +105,13 @@ struct DT_energyContents_struct {
   }
 };
 
-/// Consumption per kind of driving.
+/// Consumption values. Taken for: consumption per kind of driving. Our choice: which members are floats.
 struct DT_consumptionValues_struct {
-  ara::core::Optional<std::uint32_t> member0;  ///< identifier
-  ara::core::Optional<std::uint32_t> member1;  ///< identifier
-  ara::core::Optional<float> member2;          ///< consumption
-  ara::core::Optional<float> member3;          ///< consumption
-  ara::core::Optional<float> member4;          ///< consumption
+  ara::core::Optional<std::uint32_t> member0;  ///< taken for: identifier
+  ara::core::Optional<std::uint32_t> member1;  ///< taken for: identifier
+  ara::core::Optional<float> member2;          ///< taken for: consumption
+  ara::core::Optional<float> member3;          ///< taken for: consumption
+  ara::core::Optional<float> member4;          ///< taken for: consumption
 
   template <typename Record, typename Enumerator>
   static void enumerate(Record& record, Enumerator&& enumerator) {
@@ -122,13 +123,13 @@ struct DT_consumptionValues_struct {
   }
 };
 
-/// Consumers beside the drive.
+/// Consumers beside the drive. Our choice: that member 0 is no float.
 struct DT_additionalConsumers_struct {
-  ara::core::Optional<std::uint32_t> member0;  ///< identifier
-  ara::core::Optional<float> member1;          ///< consumption
-  ara::core::Optional<float> member2;          ///< consumption
-  ara::core::Optional<float> member3;          ///< consumption
-  ara::core::Optional<float> member4;          ///< consumption
+  ara::core::Optional<std::uint32_t> member0;  ///< taken for: identifier
+  ara::core::Optional<float> member1;          ///< taken for: consumption
+  ara::core::Optional<float> member2;          ///< taken for: consumption
+  ara::core::Optional<float> member3;          ///< taken for: consumption
+  ara::core::Optional<float> member4;          ///< taken for: consumption
 
   template <typename Record, typename Enumerator>
   static void enumerate(Record& record, Enumerator&& enumerator) {
@@ -140,12 +141,12 @@ struct DT_additionalConsumers_struct {
   }
 };
 
-/// Consumption per slope.
+/// Consumption per slope. Our choice: which members are floats.
 struct DT_slopeConsumptionValues_struct {
-  ara::core::Optional<std::uint32_t> member0;  ///< identifier
-  ara::core::Optional<std::uint32_t> member1;  ///< identifier
-  ara::core::Optional<float> member2;          ///< consumption
-  ara::core::Optional<float> member3;          ///< consumption
+  ara::core::Optional<std::uint32_t> member0;  ///< taken for: identifier
+  ara::core::Optional<std::uint32_t> member1;  ///< taken for: identifier
+  ara::core::Optional<float> member2;          ///< taken for: consumption
+  ara::core::Optional<float> member3;          ///< taken for: consumption
 
   template <typename Record, typename Enumerator>
   static void enumerate(Record& record, Enumerator&& enumerator) {
@@ -156,13 +157,13 @@ struct DT_slopeConsumptionValues_struct {
   }
 };
 
-/// Consumption per road kind.
+/// Consumption per road. Taken for: consumption per road kind. Our choice: which members are floats.
 struct DT_roadConsumptionValues_struct {
-  ara::core::Optional<std::uint32_t> member0;  ///< identifier
-  ara::core::Optional<std::uint32_t> member1;  ///< identifier
-  ara::core::Optional<float> member2;          ///< speed
-  ara::core::Optional<float> member3;          ///< consumption
-  ara::core::Optional<float> member4;          ///< consumption
+  ara::core::Optional<std::uint32_t> member0;  ///< taken for: identifier
+  ara::core::Optional<std::uint32_t> member1;  ///< taken for: identifier
+  ara::core::Optional<float> member2;          ///< taken for: speed
+  ara::core::Optional<float> member3;          ///< taken for: consumption
+  ara::core::Optional<float> member4;          ///< taken for: consumption
 
   template <typename Record, typename Enumerator>
   static void enumerate(Record& record, Enumerator&& enumerator) {
@@ -174,13 +175,13 @@ struct DT_roadConsumptionValues_struct {
   }
 };
 
-/// The energy that is left along the route.
+/// Residual energies. Taken for: the energy that is left along the route. Our choice: which members are floats.
 struct DT_residualEnergies_struct {
-  ara::core::Optional<std::uint32_t> member0;  ///< identifier
-  ara::core::Optional<std::uint32_t> member1;  ///< counter
-  ara::core::Optional<float> member2;          ///< energy
-  ara::core::Optional<float> member3;          ///< energy
-  ara::core::Optional<float> member4;          ///< energy
+  ara::core::Optional<std::uint32_t> member0;  ///< taken for: identifier
+  ara::core::Optional<std::uint32_t> member1;  ///< taken for: counter
+  ara::core::Optional<float> member2;          ///< taken for: energy
+  ara::core::Optional<float> member3;          ///< taken for: energy
+  ara::core::Optional<float> member4;          ///< taken for: energy
 
   template <typename Record, typename Enumerator>
   static void enumerate(Record& record, Enumerator&& enumerator) {

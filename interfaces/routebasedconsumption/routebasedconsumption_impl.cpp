@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/routebasedconsumption.json.
 #include "interfaces/routebasedconsumption/routebasedconsumption_impl.h"
 
 namespace kro::services::routebasedconsumption {

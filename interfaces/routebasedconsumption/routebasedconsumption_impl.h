@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/routebasedconsumption.json.
 #pragma once
 
 #include <cstdint>
@@ -18,23 +19,17 @@ class TARN7_EXPORT RouteBasedConsumptionImpl final : public proxy::RouteBasedCon
   explicit RouteBasedConsumptionImpl(std::uint16_t instance);
   ~RouteBasedConsumptionImpl() override;
 
-  Field<datatypes::DT_status_struct>& Getstatus() override { return status_; }
-  Field<datatypes::DT_customerActionTriggers_struct>& GetcustomerActionTriggers() override {
-    return customerActionTriggers_;
-  }
-  Field<datatypes::DT_setupSpeedLimits_struct>& GetsetupSpeedLimits() override { return setupSpeedLimits_; }
-  Field<datatypes::DT_setupSpeedThresholds_struct>& GetsetupSpeedThresholds() override { return setupSpeedThresholds_; }
-  Field<datatypes::DT_setupRealSpeedRatios_struct>& GetsetupRealSpeedRatios() override { return setupRealSpeedRatios_; }
-  Field<datatypes::DT_energyContents_struct>& GetenergyContents() override { return energyContents_; }
-  Field<datatypes::DT_consumptionValues_struct>& GetconsumptionValues() override { return consumptionValues_; }
-  Field<datatypes::DT_additionalConsumers_struct>& GetadditionalConsumers() override { return additionalConsumers_; }
-  Field<datatypes::DT_slopeConsumptionValues_struct>& GetslopeConsumptionValues() override {
-    return slopeConsumptionValues_;
-  }
-  Field<datatypes::DT_roadConsumptionValues_struct>& GetroadConsumptionValues() override {
-    return roadConsumptionValues_;
-  }
-  Field<datatypes::DT_residualEnergies_struct>& GetresidualEnergies() override { return residualEnergies_; }
+  proxy::fields::status& Getstatus() override { return status_; }
+  proxy::fields::customerActionTriggers& GetcustomerActionTriggers() override { return customerActionTriggers_; }
+  proxy::fields::setupSpeedLimits& GetsetupSpeedLimits() override { return setupSpeedLimits_; }
+  proxy::fields::setupSpeedThresholds& GetsetupSpeedThresholds() override { return setupSpeedThresholds_; }
+  proxy::fields::setupRealSpeedRatios& GetsetupRealSpeedRatios() override { return setupRealSpeedRatios_; }
+  proxy::fields::energyContents& GetenergyContents() override { return energyContents_; }
+  proxy::fields::consumptionValues& GetconsumptionValues() override { return consumptionValues_; }
+  proxy::fields::additionalConsumers& GetadditionalConsumers() override { return additionalConsumers_; }
+  proxy::fields::slopeConsumptionValues& GetslopeConsumptionValues() override { return slopeConsumptionValues_; }
+  proxy::fields::roadConsumptionValues& GetroadConsumptionValues() override { return roadConsumptionValues_; }
+  proxy::fields::residualEnergies& GetresidualEnergies() override { return residualEnergies_; }
 
  private:
   template <typename Descriptor>

@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/routebasedenergycontents.json.
 #pragma once
 
 #include <cstdint>
@@ -5,9 +6,9 @@
 #include "core_types/optional.h"
 #include "core_types/record_equality.h"
 
-/// The records of the routebasedenergycontents fields. Every member is optional; `enumerate` lists the members with
-/// their data ids, in the order in which they go on the wire. The interface model fixes the members' widths only: all
-/// are unsigned here, which is this library's choice. It names no units.
+/// The records of the routebasedenergycontents fields. Every member of every record is optional; `enumerate` lists the
+/// members with their data ids, in the order in which they go on the wire. The interface definition names no units. Our
+/// choice: that all numbers are unsigned integers, as only their widths are defined.
 namespace kro::services::routebasedenergycontents::datatypes {
 
 using ara::core::records::operator==;

@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/routebasedenergycontents.json.
 #pragma once
 
 #include "ara/com/internal/vsomeip/skeleton/service_adapter.h"

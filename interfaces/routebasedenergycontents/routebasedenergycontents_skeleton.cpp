@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/routebasedenergycontents.json.
 #include "interfaces/routebasedenergycontents/routebasedenergycontents_skeleton.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// Written by scripts/generate from interfaces/model/routebasedenergycontents.json.
 #pragma once
 
 #include <vector>
@@ -9,21 +10,30 @@
 
 namespace kro::services::routebasedenergycontents::skeleton {
 
+/// The types of the fields. That of a field's value is `fields::rwmStatus::FieldType`.
+namespace fields {
+using destinations = ara::com::internal::skeleton::SkeletonField<std::vector<datatypes::DT_destinations_struct>>;
+using rangeOnRouteValues =
+    ara::com::internal::skeleton::SkeletonField<std::vector<datatypes::DT_rangeOnRouteValues_struct>>;
+using routeBasedResidualEnergyValues =
+    ara::com::internal::skeleton::SkeletonField<std::vector<datatypes::DT_routeBasedResidualEnergyValues_struct>>;
+using rwmStatus = ara::com::internal::skeleton::SkeletonField<std::vector<datatypes::DT_rwmStatus_struct>>;
+using targetSocChargings =
+    ara::com::internal::skeleton::SkeletonField<std::vector<datatypes::DT_targetSocChargings_struct>>;
+}  // namespace fields
+
 /// Offers the application's route-based energy values to the vehicle.
 ///
-///     RouteBasedEnergyContentsSkeleton energyContents({"1"});
-///     energyContents.rwmStatus.Update(status);            // every field needs a value ...
-///     energyContents.rwmStatus.ServeCurrentValue();       // ... and something that answers its getter
+///     RouteBasedEnergyContentsSkeleton routeBasedEnergyContents({"1"});
+///     routeBasedEnergyContents.rwmStatus.Update(value);        // every field needs a value ...
+///     routeBasedEnergyContents.rwmStatus.ServeCurrentValue();  // ... and something that answers its getter
 ///     ...
-///     energyContents.OfferService();
+///     routeBasedEnergyContents.OfferService();
 ///
 /// An application that derives from this class withdraws the offer in its own destructor.
 class TARN7_EXPORT RouteBasedEnergyContentsSkeleton
     : public ara::com::internal::skeleton::TypedServiceImplBase<RouteBasedEnergyContentsSkeleton> {
  public:
-  template <typename Record>
-  using Field = ara::com::internal::skeleton::SkeletonField<std::vector<Record>>;
-
   /// `instances` are the instances to be offered. Throws std::invalid_argument when there is none.
   explicit RouteBasedEnergyContentsSkeleton(ara::com::InstanceIdentifierContainer instances);
   /// Withdraws the offer. Afterwards no get handler runs; one that is running is waited for.
@@ -39,15 +49,15 @@ class TARN7_EXPORT RouteBasedEnergyContentsSkeleton
   void StopOfferService();
 
   /// The destinations of the route.
-  Field<datatypes::DT_destinations_struct> destinations;
+  fields::destinations destinations;
   /// The range along the route.
-  Field<datatypes::DT_rangeOnRouteValues_struct> rangeOnRouteValues;
+  fields::rangeOnRouteValues rangeOnRouteValues;
   /// The energy that is left at points of the route.
-  Field<datatypes::DT_routeBasedResidualEnergyValues_struct> routeBasedResidualEnergyValues;
+  fields::routeBasedResidualEnergyValues routeBasedResidualEnergyValues;
   /// The status of the service.
-  Field<datatypes::DT_rwmStatus_struct> rwmStatus;
+  fields::rwmStatus rwmStatus;
   /// The state of charge to reach at each charging stop.
-  Field<datatypes::DT_targetSocChargings_struct> targetSocChargings;
+  fields::targetSocChargings targetSocChargings;
 };
 
 }  // namespace kro::services::routebasedenergycontents::skeleton
