@@ -17,7 +17,6 @@
 #include <iostream>
 #include <sstream>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -30,11 +29,11 @@
 #include "interfaces/routebasedenergycontents/routebasedenergycontents_skeleton.h"
 
 using kro::services::chargetimemanager::datatypes::DT_chargeTimeCalculations_struct;
-using kro::services::chargetimemanager::proxy::ChargeTimeManagerProxy;
-using kro::services::energysystem::proxy::EnergySystemProxy;
 using kro::services::psd2::skeleton::Psd2Skeleton;
-using kro::services::routebasedconsumption::proxy::RouteBasedConsumptionProxy;
 using kro::services::routebasedenergycontents::skeleton::RouteBasedEnergyContentsSkeleton;
+namespace chargetimemanager = kro::services::chargetimemanager::proxy;
+namespace energysystem = kro::services::energysystem::proxy;
+namespace routebasedconsumption = kro::services::routebasedconsumption::proxy;
 namespace route_datatypes = kro::services::routebasedenergycontents::datatypes;
 
 namespace {
@@ -160,9 +159,9 @@ class Application {
         consumption_values_(options.are_values_numbered, counters, [this](const auto& values) { Remember(values); }),
         energy_contents_(options.are_values_numbered, counters, [this](const auto& values) { ComputeRange(values); }),
         calculations_(false, counters),
-        energy_system_(EnergySystemProxy::HandleType(options.instance)),
-        consumption_(RouteBasedConsumptionProxy::HandleType(options.instance)),
-        charge_time_(ChargeTimeManagerProxy::HandleType(options.instance)) {
+        energy_system_(energysystem::EnergySystemProxy::HandleType(options.instance)),
+        consumption_(routebasedconsumption::RouteBasedConsumptionProxy::HandleType(options.instance)),
+        charge_time_(chargetimemanager::ChargeTimeManagerProxy::HandleType(options.instance)) {
     batteries_.Follow(energy_system_.highVoltageBatteries);
     consumption_values_.Follow(consumption_.consumptionValues);
     energy_contents_.Follow(consumption_.energyContents);
@@ -187,9 +186,6 @@ class Application {
   }
 
  private:
-  template <typename Field>
-  using Following = Follower<std::remove_reference_t<Field>>;
-
   /// Reads what changes slowly, and asks for a charge time.
   void Begin() {
     Finish(counters_.reads, energy_system_.highVoltageBatteries.Get(), [](const auto& batteries) {
@@ -239,7 +235,7 @@ class Application {
     if (!knows_vehicle_ || values.empty() || perMetre <= 0) {
       return;
     }
-    const double metres = values.front().member1.value_or(0) / perMetre;
+    const double metres = values.front().member2.value_or(0) / perMetre;
     driven_ = (driven_ + kMetresPerSample) % example_map::kMainRoadLength;
     const std::uint32_t toGo = example_map::kMainRoadLength - driven_;
     Say("range  " + OneDecimal(metres / 1000) + " km, " + OneDecimal(toGo / 1000.0) +
@@ -256,13 +252,13 @@ class Application {
   int meetings_ = 0;
   // In this order: what handlers use is there before the proxies that call them, and outlives them.
   Services services_;
-  Following<decltype(EnergySystemProxy::highVoltageBatteries)> batteries_;
-  Following<decltype(RouteBasedConsumptionProxy::consumptionValues)> consumption_values_;
-  Following<decltype(RouteBasedConsumptionProxy::energyContents)> energy_contents_;
-  Following<decltype(ChargeTimeManagerProxy::chargeTimeCalculations)> calculations_;
-  EnergySystemProxy energy_system_;
-  RouteBasedConsumptionProxy consumption_;
-  ChargeTimeManagerProxy charge_time_;
+  Follower<energysystem::fields::highVoltageBatteries> batteries_;
+  Follower<routebasedconsumption::fields::consumptionValues> consumption_values_;
+  Follower<routebasedconsumption::fields::energyContents> energy_contents_;
+  Follower<chargetimemanager::fields::chargeTimeCalculations> calculations_;
+  energysystem::EnergySystemProxy energy_system_;
+  routebasedconsumption::RouteBasedConsumptionProxy consumption_;
+  chargetimemanager::ChargeTimeManagerProxy charge_time_;
 };
 
 int Run(const Options& options) {

@@ -90,12 +90,11 @@ TEST(Records, OfRoutebasedconsumption) {
   ExpectRecord<DT_consumptionValues_struct>(kTwoNumbers, "0=1 1=2 2=1.5 3=-2 4=2.5");
   ExpectRecord<DT_roadConsumptionValues_struct>(kTwoNumbers, "0=1 1=2 2=1.5 3=-2 4=2.5");
   ExpectRecord<DT_residualEnergies_struct>(kTwoNumbers, "0=1 1=2 2=1.5 3=-2 4=2.5");
-  ExpectRecord<DT_energyContents_struct>("00000018 2000 00000001 2001 3fc00000 2002 c0000000 2003 40200000",
-                                         "0=1 1=1.5 2=-2 3=2.5");
   ExpectRecord<DT_additionalConsumers_struct>(
       "0000001e 2000 00000001 2001 3f800000 2002 3fc00000 2003 c0000000 2004 40200000", "0=1 1=1 2=1.5 3=-2 4=2.5");
-  ExpectRecord<DT_slopeConsumptionValues_struct>("00000018 2000 00000001 2001 00000002 2002 3fc00000 2003 c0000000",
-                                                 "0=1 1=2 2=1.5 3=-2");
+  constexpr const char* kTwoFloats = "00000018 2000 00000001 2001 00000002 2002 3fc00000 2003 c0000000";
+  ExpectRecord<DT_slopeConsumptionValues_struct>(kTwoFloats, "0=1 1=2 2=1.5 3=-2");
+  ExpectRecord<DT_energyContents_struct>(kTwoFloats, "0=1 1=2 2=1.5 3=-2");
 }
 
 TEST(Records, OfChargetimemanager) {

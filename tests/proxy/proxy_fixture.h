@@ -23,7 +23,7 @@ using ara::com::SubscriptionState;
 using kro::services::energysystem::energysystem_binding::vsomeip::EnergySystemImpl;
 using Record = kro::services::energysystem::datatypes::DT_notifications_struct;
 using Value = std::vector<Record>;
-using Field = kro::services::energysystem::proxy::EnergySystemProxyBase::Field<Record>;
+using Field = kro::services::energysystem::proxy::fields::notifications;
 using support::RecordingApplication;
 using Message = std::shared_ptr<::vsomeip::message>;
 

@@ -1,0 +1,144 @@
+"""What scripts/generate refuses and notices: generate_test.py PROJECT"""
+
+import json
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+PROJECT = pathlib.Path(sys.argv[1]).absolute()
+GUIDE = (PROJECT / "docs/adding-an-interface.md").read_text()
+MODEL = re.search(r"^```json\n(.*?)^```$", GUIDE, re.MULTILINE | re.DOTALL)[1]
+GONE = object()
+READING = ".headers[0].records[0].records[0]"
+PRESSURES = ".headers[0].records[0]"
+STATUS = ".headers[0].records[1]"
+NUMBER = {"id": 9, "name": "number", "type": "uint8"}
+
+# What is changed to what in the model of docs/adding-an-interface.md, and what is said then.
+REFUSED = [
+    # The schema's part, with each of its rules.
+    (".colour", "red", ".colour: is unknown: there are $schema, name,"),
+    (f"{READING}.members[0].typ", "bool", f"{READING}.members[0].typ: is unknown: there are id,"),
+    (".version", [1, 0], ".version: [1, 0] is not an object"),
+    (".version.major", True, ".version.major: true is not an integer"),
+    (".version.major", 255, ".version.major: 255 is not within 0 and 254"),
+    (".brief", GONE, ".: has no 'brief'"),
+    (".brief", "Ends in \\.", ".brief: "),
+    (".fields[0].mutable", "yes", '.fields[0].mutable: "yes" is not true or false'),
+    (".role", "both", '.role: "both" is none of consumed, provided'),
+    (".serviceId", "0x60G1", '.serviceId: "0x60G1" is not of the form ^0x[0-9A-Fa-f]{4}$'),
+    (".fields", [], ".fields: is empty"),
+    (f"{STATUS}.alias", "bool", f"{STATUS}: has to have one of members or alias or is"),
+    (f"{STATUS}.members", GONE, f"{STATUS}: has to have one of members or alias or is"),
+    (f"{STATUS}.brief", GONE, f"{STATUS}: has to have brief or takenFor"),
+    (f"{STATUS}.members[0].id", 4096, f"{STATUS}.members[0].id: 4096 is not within 0 and 4095"),
+    # Names.
+    (".name", "wheels", ".name: 'wheels' is not the name of the file"),
+    (".fields[0].name", "fields", ".fields[0].name: 'fields' is no name for a field"),
+    (".fields[0].name", "a-b", '.fields[0].name: "a-b" is not of the form'),
+    (".fields[0].name", "status", ".fields[1].name: 'status' is taken: .fields[0].name has this name"),
+    (f"{STATUS}.members[0].name", "register", f"{STATUS}.members[0].name: 'register' is no name for a record, parameter or member"),
+    (f"{STATUS}.members[0].name", "code", f"{STATUS}.members[1].name: 'code' is taken"),
+    (f"{STATUS}.name", "DT__status", f"{STATUS}.name: 'DT__status' is no name"),
+    (f"{STATUS}.name", "DT_pressures_struct", f"{STATUS}.name: 'DT_pressures_struct' is described before"),
+    (f"{PRESSURES}.records", [{"name": "Reading", "brief": "Twice.", "members": [NUMBER]}] * 2,
+     f"{PRESSURES}.records[1].name: 'Reading' is taken: {PRESSURES}.records[0].name has this name"),
+    (".headers[0].name", "skeleton", ".headers[0].name: 'skeleton' is no name for a header"),
+    # Ids.
+    (".fields[0].getter", "0x4010", ".fields[1].getter: 0x4010 is the getter of pressures as well"),
+    (".fields[0].getter", "0x4030", ".fields[0].getter: 0x4030 is out of order: the getters of 2 fields are 0x4010 to 0x4020,"),
+    (".fields[0].getter", "0x4021", ".fields[0].getter: 0x4021 is out of order"),
+    (f"{READING}.members[1].id", 0, f"{READING}.members[1].id: the data id 0 occurs twice"),
+    (f"{READING}.members[0].id", 2, f"{READING}.members[1].id: the data id 1 follows 2: where that is meant,"),
+    (".serviceId", "0x6005", ".serviceId: 0x6005 is that of energysystem"),
+    (".serviceId", "0xffff", ".serviceId: 0xFFFF is reserved"),
+    (".araServiceId", 56470, ".araServiceId: 56470 is that of energysystem"),
+    # Fields.
+    (".checkOrder", ["status"], ".checkOrder: has to name each field once"),
+    (".checkOrder", ["status", "status"], ".checkOrder: has to name each field once"),
+    (".checkOrder", GONE, ".checkOrder: is there for a provided interface, and for no other"),
+    (".role", "consumed", ".checkOrder: is there for a provided interface, and for no other"),
+    (".fields[0].mutable", True, ".fields[0].mutable: the library offers no field that clients may write"),
+    (".fields[0].record", "DT_doors_struct", ".fields[0].record: 'DT_doors_struct' is no record"),
+    (".fields[0].record", "Reading", ".fields[0].record: 'Reading' is no record"),
+    # Types.
+    (f"{STATUS}.members[0].type", "uint24", f"{STATUS}.members[0].type: the type 'uint24' is unknown"),
+    (f"{STATUS}.members[0].type", "sequence<bytes<0>>", f"{STATUS}.members[0].type: the type 'bytes<0>' is unknown"),
+    (f"{STATUS}.members[0].type", "sequence<", f"{STATUS}.members[0].type: 'sequence<' is no type"),
+    (f"{STATUS}.members[0].type", "Reading", f"{STATUS}.members[0].type: the type 'Reading' is unknown"),
+    (f"{STATUS}.members[0].type", "DT_pressures_struct<bool>", f"{STATUS}.members[0].type: DT_pressures_struct takes 0 arguments, not 1"),
+    (f"{STATUS}.members[0].type", "sequence<DT_status_struct>", f"{STATUS}.members[0].type: the type 'DT_status_struct' is unknown"),
+    (PRESSURES, {"name": "DT_pressures_struct", "brief": "None.", "is": "uint8"}, f"{PRESSURES}.is: 'uint8' is no record"),
+    (f"{READING}.members", [NUMBER, {**NUMBER, "id": 10}], f"{READING}.members[1].name: 'number' is taken"),
+]
+
+
+def change(model, place, value):
+    *way, last = [int(key) if key.isdigit() else key for key in re.findall(r"\w+", place)]
+    for key in way:
+        model = model[key]
+    if value is GONE:
+        del model[last]
+    else:
+        model[last] = value
+
+
+class GenerateTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()  # pylint: disable=consider-using-with
+        self.addCleanup(folder.cleanup)
+        self.clone = pathlib.Path(folder.name)
+        for part in ("scripts", "interfaces/model"):
+            shutil.copytree(PROJECT / part, self.clone / part)
+        shutil.copy(PROJECT / ".clang-format", self.clone)
+
+    def generate(self, *arguments):
+        result = subprocess.run([self.clone / "scripts/generate", *arguments], capture_output=True, text=True, check=False)
+        return result.returncode, result.stdout, result.stderr
+
+    def expect_refused(self, text, said):
+        (self.clone / "interfaces/model/tyres.json").write_text(text)
+        status, printed, errors = self.generate()
+        self.assertEqual((status, printed), (1, ""), errors)
+        self.assertTrue(errors.startswith(f"interfaces/model/tyres.json: {said}"), f"{errors}\nis not: {said}")
+        self.assertEqual([entry.name for entry in (self.clone / "interfaces").iterdir()], ["model"], "something was written")
+
+    def test_mistakes_in_a_model_are_refused(self):
+        for place, value, said in REFUSED:
+            with self.subTest(place=place, value=value):
+                model = json.loads(MODEL)
+                change(model, place, value)
+                self.expect_refused(json.dumps(model), said)
+        self.expect_refused(MODEL[:100], ".: no JSON: ")
+        self.expect_refused(MODEL.replace('"class"', '"name"'), ".: the key 'name' occurs twice in one object")
+
+    def test_all_mistaken_models_are_named_at_once(self):
+        for name in ("energysystem", "psd2"):
+            (self.clone / f"interfaces/model/{name}.json").write_text("{}")
+        errors = self.generate()[2]
+        self.assertEqual([line.split(": ")[0] for line in errors.splitlines()],
+                         ["interfaces/model/energysystem.json", "interfaces/model/psd2.json"])
+
+    def test_check_names_what_differs_is_missing_or_is_left_over(self):
+        self.assertEqual(self.generate()[0], 0)
+        self.assertEqual(self.generate(), (0, "", ""))
+        self.assertEqual(self.generate("--check"), (0, "", ""))
+        page = self.clone / "docs/interfaces/energysystem.md"
+        page.write_text(page.read_text() + "More.\n")
+        (self.clone / "interfaces/psd2/psd2_skeleton.cpp").unlink()
+        different = "".join(f"{path}: differs from what scripts/generate writes\n"
+                            for path in ("docs/interfaces/energysystem.md", "interfaces/psd2/psd2_skeleton.cpp"))
+        self.assertEqual(self.generate("--check"), (1, different, ""))
+        self.assertTrue(page.read_text().endswith("More.\n"), "--check writes nothing")
+        self.generate()
+        (self.clone / "interfaces/model/chargetimemanager.json").unlink()
+        status, _, errors = self.generate()
+        self.assertEqual((status, errors.count("/chargetimemanager"), errors.count(": its model is gone; remove it\n")), (1, 13, 7), errors)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
