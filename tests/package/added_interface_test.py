@@ -66,7 +66,7 @@ class AddedInterfaceTest(unittest.TestCase):
         with subprocess.Popen([self.work / "build/offer"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True) as offer:
             try:
                 self.assertEqual(offer.stdout.readline(), "offered\n")
-                self.assertEqual(run(self.work / "build/read", cwd=self.work), "instance 1: 1 records\n")
+                self.assertEqual(run(self.work / "build/read", cwd=self.work), "instance 1: 1 record(s)\n")
             finally:
                 offer.communicate("\n", timeout=DEADLINE)
         self.assertEqual(offer.returncode, 0)
