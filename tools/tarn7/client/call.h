@@ -5,7 +5,7 @@
 #include "tools/tarn7/client/field_client.h"
 #include "tools/tarn7/client/service_client.h"
 #include "tools/tarn7/loop.h"
-#include "tools/tarn7/model/interface_table.h"
+#include "tools/tarn7/model/interface.h"
 
 namespace tarn7::tool {
 

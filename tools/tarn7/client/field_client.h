@@ -5,7 +5,7 @@
 
 #include "ara/com/subscription_state.h"
 #include "platform/include/e2e_status_handler.h"
-#include "tools/tarn7/values/json.h"
+#include "tools/tarn7/values/payload.h"
 
 namespace tarn7::tool {
 
@@ -23,15 +23,15 @@ class FieldClient {
 
   /// Asks for the value; `answered` is called once when the answer is there, perhaps at once.
   virtual void StartGet(std::function<void()> answered) = 0;
-  /// Asks for a new value. Throws ValueError, before anything is sent, for JSON that is no value of the field.
-  virtual void StartSet(const Json& value, std::function<void()> answered) = 0;
-  /// The value that the answer reports. Throws CommandError (kCallFailed) where it is an error.
-  virtual Json TakeAnswer() = 0;
+  /// Asks for a new value, which is one of the field.
+  virtual void StartSet(const Payload& value, std::function<void()> answered) = 0;
+  /// What the answer holds. Throws CommandError (kCallFailed) where it is an error.
+  virtual Payload TakeAnswer() = 0;
 
   /// Follows the field; `arrived` is called after each sample that arrived.
   virtual void Subscribe(std::function<void()> arrived) = 0;
-  /// The samples that wait, oldest first.
-  virtual std::vector<Json> TakeSamples() = 0;
+  /// The samples that wait, oldest first. Each is a value of the field.
+  virtual std::vector<Payload> TakeSamples() = 0;
   virtual FieldState GetState() const = 0;
 };
 

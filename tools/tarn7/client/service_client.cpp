@@ -2,9 +2,7 @@
 
 #include <utility>
 
-#include "tools/tarn7/client/proxy_service_client.h"
 #include "tools/tarn7/error.h"
-#include "tools/tarn7/stack/stack_service_client.h"
 
 namespace tarn7::tool {
 
@@ -24,14 +22,6 @@ void ServiceClient::ReportFound(bool found) {
       changed_(found);
     }
   });
-}
-
-std::unique_ptr<ServiceClient> MakeServiceClient(Loop& loop, const Interface& interface, std::uint16_t instance,
-                                                 ServiceClient::Changed changed) {
-  if (interface.IsProvided()) {
-    return std::make_unique<StackServiceClient>(loop, interface, instance, std::move(changed));
-  }
-  return std::make_unique<ProxyServiceClient>(loop, interface, instance, std::move(changed));
 }
 
 }  // namespace tarn7::tool

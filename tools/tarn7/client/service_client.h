@@ -7,7 +7,7 @@
 
 #include "tools/tarn7/client/field_client.h"
 #include "tools/tarn7/loop.h"
-#include "tools/tarn7/model/field.h"
+#include "tools/tarn7/model/interface.h"
 
 namespace tarn7::tool {
 
@@ -41,10 +41,5 @@ class ServiceClient {
   Changed changed_;
   bool found_ = false;
 };
-
-/// The right access for the interface's role: the library's proxy where it has one, the stack itself where the library
-/// is the server.
-std::unique_ptr<ServiceClient> MakeServiceClient(Loop& loop, const Interface& interface, std::uint16_t instance,
-                                                 ServiceClient::Changed changed = {});
 
 }  // namespace tarn7::tool

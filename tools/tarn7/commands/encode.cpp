@@ -1,33 +1,14 @@
-#include <memory>
+#include <nlohmann/json.hpp>
 
-#include "tools/tarn7/commands/command.h"
-#include "tools/tarn7/model/interface_table.h"
+#include "tools/tarn7/commands/commands.h"
+#include "tools/tarn7/values/encode.h"
 
 namespace tarn7::tool {
 
-namespace {
-
-struct EncodeOptions {
-  std::string address;
-  std::string value = "-";
-};
-
-void Encode(Output& output, const EncodeOptions& options) {
-  const FieldAddress address = FindAddress(options.address);
-  const auto bytes = address.field->Encode(ReadJsonArgument(options.value));
-  output.WriteLine(ToHex(bytes.data(), bytes.size()));
-}
-
-}  // namespace
-
-void AddEncodeCommand(CLI::App& tool, Command& chosen) {
-  auto* const command = tool.add_subcommand("encode", "Print the bytes of the payload that carries a value");
-  const auto options = std::make_shared<EncodeOptions>();
-  command->add_option("FIELD", options->address, "The field, as INTERFACE/FIELD")->required();
-  command->add_option("JSON", options->value,
-                      "The value, as `get` prints it; - or nothing reads it from standard input");
-  command->footer("Example:\n  tarn7 encode energysystem/notifications '[{\"member0\":42}]'");
-  command->callback([&chosen, options] { chosen = [options](Output& output) { Encode(output, *options); }; });
+void Encode(const Context& context, const EncodeOptions& options) {
+  const FieldAddress address = context.interfaces.FindAddress(options.address);
+  const Payload bytes = Encode(*address.field->type, ReadJsonArgument(options.value));
+  context.output.WriteLine(ToHex(bytes.data(), bytes.size()));
 }
 
 }  // namespace tarn7::tool

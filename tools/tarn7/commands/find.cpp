@@ -1,36 +1,30 @@
 #include <algorithm>
 #include <iostream>
-#include <memory>
 #include <set>
 
-#include "tools/tarn7/commands/command.h"
+#include <nlohmann/json.hpp>
+
+#include "tools/tarn7/commands/commands.h"
 #include "tools/tarn7/error.h"
-#include "tools/tarn7/model/interface_table.h"
 #include "tools/tarn7/stack/instance_search.h"
+#include "tools/tarn7/values/json.h"
 
 namespace tarn7::tool {
 
 namespace {
 
-struct FindOptions : ServiceOptions {
-  std::vector<std::string> interfaces;
-  bool has_instance = false;
-  bool follow = false;
-  bool as_json = false;
-};
-
 /// Prints the instances that are offered as they come and go.
 class Finder {
  public:
-  Finder(Output& output, const FindOptions& options) : output_(output), options_(options) {
+  Finder(const Context& context, const FindOptions& options) : output_(context.output), options_(options) {
     for (const std::string& name : options.interfaces) {
-      const Interface& interface = FindInterface(name);
+      const Interface& interface = context.interfaces.FindInterface(name);
       if (std::find(interfaces_.begin(), interfaces_.end(), &interface) == interfaces_.end()) {
         interfaces_.push_back(&interface);
       }
     }
     if (interfaces_.empty()) {
-      for (const Interface& interface : Interfaces()) {
+      for (const Interface& interface : context.interfaces.All()) {
         interfaces_.push_back(&interface);
       }
     }
@@ -95,8 +89,10 @@ class Finder {
   Loop loop_;
 };
 
-void Find(Output& output, const FindOptions& options) {
-  Finder finder(output, options);
+}  // namespace
+
+void Find(const Context& context, const FindOptions& options) {
+  Finder finder(context, options);
   try {
     finder.Run();
   } catch (const Interrupted&) {
@@ -108,24 +104,6 @@ void Find(Output& output, const FindOptions& options) {
   if (options.follow) {
     std::cerr << finder.Count() << " instances found" << std::endl;
   }
-}
-
-}  // namespace
-
-void AddFindCommand(CLI::App& tool, Command& chosen) {
-  auto* const command = tool.add_subcommand("find", "Show which instances of the services are offered now");
-  const auto options = std::make_shared<FindOptions>();
-  command->add_option("INTERFACE", options->interfaces, "What to look for; all interfaces if not given");
-  auto* const instance =
-      AddInstanceOption(*command, *options)->description("Only this instance, and no longer than until it is found");
-  auto* const timeout = AddTimeoutOption(*command, *options, "How long to look; 2000 if not given");
-  command->add_flag("--follow", options->follow, "Go on until Ctrl-C, and show what comes and goes")->excludes(timeout);
-  command->add_flag("--json", options->as_json, "A JSON object on each line");
-  command->footer("Example:\n  tarn7 find energysystem --instance 1 --timeout 10000");
-  command->callback([&chosen, options, instance] {
-    options->has_instance = instance->count() > 0;
-    chosen = [options](Output& output) { Find(output, *options); };
-  });
 }
 
 }  // namespace tarn7::tool

@@ -1,12 +1,14 @@
 #include <algorithm>
 #include <iomanip>
-#include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "tools/tarn7/commands/command.h"
-#include "tools/tarn7/model/interface_table.h"
+#include <nlohmann/json.hpp>
+
+#include "tools/tarn7/commands/commands.h"
+#include "tools/tarn7/values/json.h"
 
 namespace tarn7::tool {
 
@@ -18,20 +20,20 @@ struct Selection {
   std::vector<const Field*> fields;
 };
 
-/// What the targets name, in the library's order; everything if there are none.
-std::vector<Selection> Select(const std::vector<std::string>& targets) {
+/// What the targets name, in the table's order; everything if there are none.
+std::vector<Selection> Select(const InterfaceTable& interfaces, const std::vector<std::string>& targets) {
   std::vector<const Field*> wanted;
   for (const std::string& target : targets) {
-    for (const FieldAddress& address : FindAddresses(target)) {
+    for (const FieldAddress& address : interfaces.FindAddresses(target)) {
       wanted.push_back(address.field);
     }
   }
   std::vector<Selection> selections;
-  for (const Interface& interface : Interfaces()) {
+  for (const Interface& interface : interfaces.All()) {
     Selection selection{interface, {}};
-    for (const auto& field : interface.fields) {
-      if (targets.empty() || std::find(wanted.begin(), wanted.end(), field.get()) != wanted.end()) {
-        selection.fields.push_back(field.get());
+    for (const Field& field : interface.fields) {
+      if (targets.empty() || std::find(wanted.begin(), wanted.end(), &field) != wanted.end()) {
+        selection.fields.push_back(&field);
       }
     }
     if (!selection.fields.empty()) {
@@ -41,51 +43,65 @@ std::vector<Selection> Select(const std::vector<std::string>& targets) {
   return selections;
 }
 
-/// The record members that a type holds, its own or those of its elements; null for a type without any.
-const std::vector<Member>* MembersOf(const ValueType& type) {
-  if (type.kind == ValueType::Kind::kSequence) {
-    return MembersOf(type.element.front());
+void AddRemarks(Json& json, const Remarks& remarks) {
+  for (const auto& [name, text] : {std::pair("takenFor", &remarks.taken_for), {"unit", &remarks.unit}, {"choice", &remarks.choice}}) {
+    if (!text->empty()) {
+      json[name] = *text;
+    }
   }
-  return type.kind == ValueType::Kind::kRecord ? &type.members : nullptr;
 }
 
-Json MembersToJson(const std::vector<Member>& members) {
-  Json array = Json::array();
-  for (const Member& member : members) {
-    Json entry = {{"id", member.data_id}, {"name", member.name}, {"type", member.type.name}};
-    if (const auto* nested = MembersOf(member.type)) {
-      entry["members"] = MembersToJson(*nested);
-    }
-    array.push_back(std::move(entry));
+/// Adds what a type is, and the record in it.
+void AddType(Json& json, const ValueType& type) {
+  json["type"] = type.name;
+  const ValueType* const record = RecordIn(type);
+  if (record == nullptr) {
+    return;
   }
-  return array;
+  json["record"] = record->cpp_name;
+  Json remarks = Json::object();
+  AddRemarks(remarks, record->record->remarks);
+  if (!remarks.empty()) {
+    json["recordRemarks"] = std::move(remarks);
+  }
+  Json& members = json["members"] = Json::array();
+  for (const Member& member : record->record->members) {
+    Json entry = {{"id", member.data_id}, {"name", member.name}};
+    AddRemarks(entry, member.remarks);
+    AddType(entry, *member.type);
+    members.push_back(std::move(entry));
+  }
 }
 
 Json ToJson(const Field& field) {
-  Json json = {{"field", field.Name()}, {"getter", field.Ids().getter}};
+  Json json = {{"field", field.name}, {"getter", field.getter}};
   if (field.HasSetter()) {
-    json["setter"] = field.Ids().setter;
+    json["setter"] = field.setter;
   }
-  json["event"] = field.Ids().event;
-  json["eventgroup"] = field.Ids().eventgroup;
-  json["type"] = field.Type().name;
-  json["members"] = MembersToJson(*MembersOf(field.Type()));
+  json["event"] = field.event;
+  json["eventgroup"] = field.eventgroup;
+  AddType(json, *field.type);
   return json;
 }
 
 Json ToJson(const Selection& selection) {
   const Interface& interface = selection.interface;
-  Json fields = Json::array();
+  Json json = {{"interface", interface.name},
+               {"role", interface.RoleName()},
+               {"service", interface.service_id},
+               {"araService", interface.ara_service_id},
+               {"majorVersion", interface.major_version},
+               {"minorVersion", interface.minor_version}};
+  for (const auto& [name, text] : {std::pair("choice", &interface.choice), {"file", &interface.file}}) {
+    if (!text->empty()) {
+      json[name] = *text;
+    }
+  }
+  Json& fields = json["fields"] = Json::array();
   for (const Field* field : selection.fields) {
     fields.push_back(ToJson(*field));
   }
-  return {{"interface", interface.name},
-          {"role", interface.Role()},
-          {"service", interface.service_id},
-          {"araService", interface.ara_service_id},
-          {"majorVersion", interface.major_version},
-          {"minorVersion", interface.minor_version},
-          {"fields", std::move(fields)}};
+  return json;
 }
 
 std::string Hex(std::uint16_t id) {
@@ -94,12 +110,36 @@ std::string Hex(std::uint16_t id) {
   return text.str();
 }
 
-void WriteMembers(std::ostream& text, const std::vector<Member>& members, const std::string& indent) {
-  for (const Member& member : members) {
-    text << indent << std::left << std::setw(4) << member.data_id << std::setw(28) << member.name << member.type.name
-         << '\n';
-    if (const auto* nested = MembersOf(member.type)) {
-      WriteMembers(text, *nested, indent + "    ");
+/// "taken for: ratio; our choice: that it is a float", or nothing.
+std::string ToText(const Remarks& remarks) {
+  std::string text;
+  for (const auto& [name, remark] : {std::pair("taken for: ", &remarks.taken_for),
+                                     {"unit: ", &remarks.unit},
+                                     {"our choice: ", &remarks.choice}}) {
+    if (!remark->empty()) {
+      text += (text.empty() ? "" : "; ") + (name + *remark);
+    }
+  }
+  return text;
+}
+
+/// As its name, but with that of the record in it.
+std::string TypeText(const ValueType& type) {
+  return type.kind == ValueType::Kind::kSequence ? "sequence of " + TypeText(*type.element)
+         : type.kind == ValueType::Kind::kRecord ? type.cpp_name
+                                                 : type.name;
+}
+
+void WriteRecord(std::ostream& text, const RecordType& record, const std::string& indent) {
+  if (const std::string remarks = ToText(record.remarks); !remarks.empty()) {
+    text << indent << remarks << '\n';
+  }
+  for (const Member& member : record.members) {
+    const std::string remarks = ToText(member.remarks);
+    text << indent << std::left << std::setw(4) << member.data_id << std::setw(28) << member.name
+         << TypeText(*member.type) << (remarks.empty() ? "" : "  ") << remarks << '\n';
+    if (const ValueType* const nested = RecordIn(*member.type)) {
+      WriteRecord(text, *nested->record, indent + "    ");
     }
   }
 }
@@ -107,48 +147,35 @@ void WriteMembers(std::ostream& text, const std::vector<Member>& members, const 
 std::string ToTable(const Selection& selection) {
   const Interface& interface = selection.interface;
   std::ostringstream text;
-  text << interface.name << "  " << interface.Role() << "  service " << Hex(interface.service_id) << "  version "
+  text << interface.name << "  " << interface.RoleName() << "  service " << Hex(interface.service_id) << "  version "
        << static_cast<int>(interface.major_version) << '.' << interface.minor_version << "  ara::com id "
-       << interface.ara_service_id << '\n';
+       << interface.ara_service_id << (interface.IsOfLibrary() ? "" : "  from ") << interface.file << '\n';
+  if (!interface.choice.empty()) {
+    text << "  our choice: " << interface.choice << '\n';
+  }
   for (const Field* field : selection.fields) {
-    const Field::Identifiers& ids = field->Ids();
-    text << "  " << std::left << std::setw(32) << field->Name() << "getter " << Hex(ids.getter) << "  setter "
-         << (field->HasSetter() ? Hex(ids.setter) : "-     ") << "  event " << Hex(ids.event) << "  eventgroup "
-         << Hex(ids.eventgroup) << '\n';
-    WriteMembers(text, *MembersOf(field->Type()), "      ");
+    text << "  " << std::left << std::setw(32) << field->name << "getter " << Hex(field->getter) << "  setter "
+         << (field->HasSetter() ? Hex(field->setter) : "-     ") << "  event " << Hex(field->event) << "  eventgroup "
+         << Hex(field->eventgroup) << "  " << TypeText(*field->type->element) << '\n';
+    WriteRecord(text, *field->type->element->record, "      ");
   }
   return text.str();
 }
 
-struct ListOptions {
-  std::vector<std::string> targets;
-  bool as_json = false;
-};
+}  // namespace
 
-void List(Output& output, const ListOptions& options) {
+void List(const Context& context, const ListOptions& options) {
   Json interfaces = Json::array();
-  for (const Selection& selection : Select(options.targets)) {
+  for (const Selection& selection : Select(context.interfaces, options.targets)) {
     if (options.as_json) {
       interfaces.push_back(ToJson(selection));
     } else {
-      output.WriteLine(ToTable(selection));
+      context.output.WriteLine(ToTable(selection));
     }
   }
   if (options.as_json) {
-    output.WriteLine(interfaces.dump(2));
+    context.output.WriteLine(interfaces.dump(2));
   }
-}
-
-}  // namespace
-
-void AddListCommand(CLI::App& tool, Command& chosen) {
-  auto* const command = tool.add_subcommand("list", "Show interfaces, fields, identifiers and record members");
-  const auto options = std::make_shared<ListOptions>();
-  command->add_option("TARGET", options->targets,
-                      "INTERFACE/FIELD, or INTERFACE for all of its fields; any mix of them");
-  command->add_flag("--json", options->as_json, "As JSON instead of a table");
-  command->footer("Example:\n  tarn7 list psd2/laneLayer");
-  command->callback([&chosen, options] { chosen = [options](Output& output) { List(output, *options); }; });
 }
 
 }  // namespace tarn7::tool

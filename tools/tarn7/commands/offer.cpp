@@ -5,34 +5,30 @@
 #include <optional>
 #include <unistd.h>
 
-#include "tools/tarn7/commands/command.h"
+#include <nlohmann/json.hpp>
+
+#include "tools/tarn7/commands/common.h"
 #include "tools/tarn7/error.h"
+#include "tools/tarn7/library/offered_service.h"
 #include "tools/tarn7/line_reader.h"
 #include "tools/tarn7/model/field_values.h"
-#include "tools/tarn7/model/interface_table.h"
 
 namespace tarn7::tool {
 
 namespace {
 
-struct OfferOptions : ServiceOptions {
-  std::string interface;
-  std::string values_file;
-  bool follow = false;
-  ReplayOptions replay;
-};
-
 /// A provided interface with the values that were given to it.
 class Offer {
  public:
   Offer(const Interface& interface, const std::vector<FieldAddress>& fields, std::uint16_t instance)
-      : interface_(interface), fields_(fields), service_(interface.make_skeleton(instance)) {}
+      : interface_(interface), fields_(fields), service_(MakeSkeleton(interface, instance)) {}
 
+  /// In the interface's order.
   void Update(const FieldValues& values) {
-    for (std::size_t i = 0; i < interface_.fields.size(); ++i) {
-      const auto found = values.find(interface_.fields[i].get());
+    for (const Field& field : interface_.fields) {
+      const auto found = values.find(&field);
       if (found != values.end()) {
-        service_->Update(i, found->second);
+        service_->Update(field.name, found->second);
         ++count_;
       }
     }
@@ -62,8 +58,14 @@ class Offer {
   std::atomic<std::uint64_t> count_{0};
 };
 
-void RunOffer(const OfferOptions& options) {
-  const Interface& interface = FindInterface(options.interface);
+}  // namespace
+
+void OfferInterface(const Context& context, const OfferOptions& options) {
+  const Interface& interface = context.interfaces.FindInterface(options.interface);
+  if (!interface.IsOfLibrary()) {
+    throw CommandError(Status::kUsage, interface.name + " is from " + interface.file +
+                                           ", the library cannot offer it: use tarn7 simulate " + interface.name);
+  }
   if (!interface.IsProvided()) {
     throw CommandError(
         Status::kUsage,
@@ -72,11 +74,11 @@ void RunOffer(const OfferOptions& options) {
   RequireOneReaderOfStandardInput({{"--values", options.values_file == "-"},
                                    {"--follow", options.follow},
                                    {"--replay", options.replay.file == "-"}});
-  if (options.values_file.empty() && !options.replay.IsGiven()) {
+  if (options.values_file.empty() && options.replay.file.empty()) {
     throw CommandError(Status::kUsage, "the fields need values: --values FILE, --replay FILE, or both");
   }
-  const std::vector<FieldAddress> fields = FindAddresses(interface.name);
-  Replay replay = options.replay.Read(fields);
+  const std::vector<FieldAddress> fields = context.interfaces.FindAddresses(interface.name);
+  Replay replay = ReadReplay(options.replay, fields);
   FieldValues values = replay.FirstValues();
   if (!options.values_file.empty()) {
     // A recorded value stays the field's first one.
@@ -96,32 +98,13 @@ void RunOffer(const OfferOptions& options) {
     replay.Start(Loop::Clock::now());
     for (;;) {
       loop.RunUntil(replay.Next(), [] { return false; });
-      replay.PlayUntil(Loop::Clock::now(), [&offer](const Field& field, const std::vector<unsigned char>& payload) {
-        offer.Update({{&field, field.Decode(payload.data(), payload.size())}});
+      replay.PlayUntil(Loop::Clock::now(), [&offer](const Field& field, const Payload& payload) {
+        offer.Update({{&field, payload}});
       });
     }
   } catch (const Interrupted&) {  // the usual way to end it
   }
   offer.Stop();
-}
-
-}  // namespace
-
-void AddOfferCommand(CLI::App& tool, Command& chosen) {
-  auto* const command = tool.add_subcommand("offer", "Offer an interface as an application would, until Ctrl-C");
-  const auto options = std::make_shared<OfferOptions>();
-  command->add_option("INTERFACE", options->interface, "What to offer")->required();
-  AddInstanceOption(*command, *options);
-  command->add_option("--values", options->values_file, "JSON file with a value for each field; - reads standard input")
-      ->type_name("FILE");
-  command->add_flag("--follow", options->follow, "Read further values from standard input, a JSON object on each line");
-  AddReplayOptions(*command, options->replay);
-  command->footer(
-      "Example:\n"
-      "  echo '{\"destinations\":[{\"member0\":42}]}' |\n"
-      "    tarn7 offer routebasedenergycontents --values values.json --follow\n"
-      "  tarn7 offer routebasedenergycontents --replay drive.jsonl");
-  command->callback([&chosen, options] { chosen = [options](Output&) { RunOffer(*options); }; });
 }
 
 }  // namespace tarn7::tool

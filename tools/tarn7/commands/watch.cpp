@@ -3,7 +3,6 @@
 #include <chrono>
 #include <iomanip>
 #include <iostream>
-#include <limits>
 #include <list>
 #include <map>
 #include <memory>
@@ -11,14 +10,12 @@
 #include <set>
 #include <sstream>
 
-#include "tools/tarn7/client/service_client.h"
-#include "tools/tarn7/commands/command.h"
+#include "tools/tarn7/commands/common.h"
 #include "tools/tarn7/error.h"
-#include "tools/tarn7/model/interface_table.h"
 #include "tools/tarn7/recording/recording.h"
 #include "tools/tarn7/terminal/live_table.h"
 #include "tools/tarn7/terminal/terminal.h"
-#include "tools/tarn7/values/outline.h"
+#include "tools/tarn7/values/payload_text.h"
 
 namespace tarn7::tool {
 
@@ -26,35 +23,28 @@ namespace {
 
 constexpr std::chrono::milliseconds kRedrawPeriod{250};
 
-struct WatchOptions : ServiceOptions {
-  std::vector<std::string> targets;
-  std::uint64_t count = 0;  // 0: no end
-  bool has_timeout = false;
-  bool as_lines = false;
-  bool as_summary = false;
-};
-
 /// A line that says how large a sample is and what it holds.
-std::string SummaryLine(const std::string& field, std::size_t bytes, const Json& value) {
+std::string SummaryLine(const FieldAddress& address, const Payload& value) {
   constexpr int kBytesWidth = 8;
   std::ostringstream line;
-  line << std::setw(kBytesWidth) << bytes << " bytes  " << field << ": " << Outline(value);
+  line << std::setw(kBytesWidth) << value.size() << " bytes  " << address.ToString() << ": "
+       << Outline(*address.field->type, value);
   return line.str();
 }
 
 /// Follows fields and shows their samples: in a table where standard output is a terminal, else as a line for each.
 class Watcher {
  public:
-  Watcher(Output& output, const WatchOptions& options) : output_(output), options_(options) {
+  Watcher(const Context& context, const WatchOptions& options) : output_(context.output), options_(options) {
     for (const std::string& target : options.targets) {
-      for (const FieldAddress& address : FindAddresses(target)) {
+      for (const FieldAddress& address : context.interfaces.FindAddresses(target)) {
         if (followed_.insert(address.field).second) {
           Follow(address);
         }
       }
     }
-    if (output.IsTerminal() && !options.as_lines && !options.as_summary) {
-      terminal_.emplace(output);
+    if (output_.IsTerminal() && !options.as_lines && !options.as_summary) {
+      terminal_.emplace(output_);
     } else {
       std::cerr << "following " << fields_.size() << (fields_.size() == 1 ? " field" : " fields") << std::endl;
     }
@@ -87,7 +77,7 @@ class Watcher {
  private:
   struct Followed {
     Followed(const FieldAddress& what, ServiceClient& where)
-        : address(what), service(where), client(where.Connect(*what.field)), row(what.ToString()) {}
+        : address(what), service(where), client(where.Connect(*what.field)), row(what.ToString(), *what.field->type) {}
 
     FieldAddress address;
     ServiceClient& service;
@@ -105,7 +95,7 @@ class Watcher {
       if (!posted->exchange(true)) {
         loop_.Post([this, &followed, posted] {
           posted->store(false);
-          for (Json& value : followed.client->TakeSamples()) {
+          for (Payload& value : followed.client->TakeSamples()) {
             Show(followed, std::move(value));
           }
         });
@@ -128,16 +118,15 @@ class Watcher {
     return *service;
   }
 
-  void Show(Followed& followed, Json value) {
+  void Show(Followed& followed, Payload value) {
     if (IsDone()) {
       return;
     }
     if (terminal_) {
       followed.row.Add(std::move(value), Loop::Clock::now());
     } else if (options_.as_summary) {
-      const std::size_t bytes = followed.address.field->Encode(value).size();
-      bytes_ += bytes;
-      output_.WriteLine(SummaryLine(followed.address.ToString(), bytes, value));
+      bytes_ += value.size();
+      output_.WriteLine(SummaryLine(followed.address, value));
     } else {
       output_.WriteLine(RecordingLine(followed.address, value, std::chrono::system_clock::now()));
     }
@@ -183,39 +172,16 @@ class Watcher {
   std::list<Followed> fields_;
 };
 
-void Watch(Output& output, const WatchOptions& options) {
-  Watcher watcher(output, options);
+}  // namespace
+
+void Watch(const Context& context, const WatchOptions& options) {
+  Watcher watcher(context, options);
   try {
     watcher.Run();
   } catch (const Interrupted&) {  // the usual way to end it
   } catch (const ReaderGone&) {
   }
   watcher.Finish();
-}
-
-}  // namespace
-
-void AddWatchCommand(CLI::App& tool, Command& chosen) {
-  auto* const command = tool.add_subcommand(
-      "watch", "Follow fields: in a live table on a terminal, else with a JSON line for each sample");
-  const auto options = std::make_shared<WatchOptions>();
-  command
-      ->add_option("TARGET", options->targets, "INTERFACE/FIELD, or INTERFACE for all of its fields; any mix of them")
-      ->required();
-  AddInstanceOption(*command, *options);
-  command->add_option("--count", options->count, "End after N samples; without it Ctrl-C ends the command")
-      ->type_name("N")
-      ->check(CLI::Range(1, std::numeric_limits<int>::max()).description(""));
-  auto* const timeout = AddTimeoutOption(
-      *command, *options, "How long to wait for the services, and for the N samples of --count; no limit if not given");
-  auto* const asLines = command->add_flag("--json", options->as_lines, "JSON lines on a terminal, too");
-  command->add_flag("--summary", options->as_summary, "Say only how large each sample is, and what it holds")
-      ->excludes(asLines);
-  command->footer("Example:\n  tarn7 watch energysystem/notifications routebasedenergycontents --count 10");
-  command->callback([&chosen, options, timeout] {
-    options->has_timeout = timeout->count() > 0;
-    chosen = [options](Output& output) { Watch(output, *options); };
-  });
 }
 
 }  // namespace tarn7::tool

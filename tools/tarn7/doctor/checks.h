@@ -4,6 +4,7 @@
 
 #include "tools/tarn7/doctor/finding.h"
 #include "tools/tarn7/doctor/stack_configuration.h"
+#include "tools/tarn7/model/interface_table.h"
 
 namespace tarn7::tool {
 
@@ -18,6 +19,6 @@ void CheckPorts(const StackConfiguration& configuration, Findings& findings);
 /// Whether the routing of vsomeip3 has a host, and what an earlier one has left behind.
 void CheckRoutingHost(const StackConfiguration& configuration, Findings& findings);
 /// Whether the stack starts, and which services are offered within that time. Throws Interrupted.
-void CheckServices(std::chrono::milliseconds time, Findings& findings);
+void CheckServices(const InterfaceTable& interfaces, std::chrono::milliseconds time, Findings& findings);
 
 }  // namespace tarn7::tool

@@ -2,6 +2,8 @@
 #include <set>
 
 #include "tools/tarn7/build_info.h"
+#include <nlohmann/json.hpp>
+
 #include "tools/tarn7/doctor/stack_configuration.h"
 #include "tools/tarn7/values/nearest.h"
 
@@ -132,7 +134,7 @@ class KeyCheck {
   KeyCheck(const StackConfiguration::File& file, Findings& findings) : file_(file), findings_(findings) {}
 
   void Run() {
-    Walk(file_.content, "");
+    Walk(*file_.content, "");
     if (!without_effect_.empty()) {
       std::string list;
       for (const std::string& path : without_effect_) {

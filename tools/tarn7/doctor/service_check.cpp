@@ -2,7 +2,6 @@
 #include <set>
 
 #include "tools/tarn7/doctor/checks.h"
-#include "tools/tarn7/model/interface_table.h"
 #include "tools/tarn7/stack/instance_search.h"
 
 namespace tarn7::tool {
@@ -16,7 +15,7 @@ using Instances = std::map<std::uint16_t, bool>;  // those that are offered, and
 Finding Judge(const Interface& interface, const Instances& instances) {
   if (instances.empty()) {
     return Finding::Warning(kCheck, interface.name + " is not offered",
-                            interface.IsProvided()
+                            interface.IsProvided() && interface.IsOfLibrary()
                                 ? "start the application, or tarn7 offer " + interface.name + " --values FILE"
                                 : "start the vehicle, or tarn7 simulate " + interface.name);
   }
@@ -33,10 +32,10 @@ Finding Judge(const Interface& interface, const Instances& instances) {
   return Finding::Ok(kCheck, interface.name + " is offered: instance " + list);
 }
 
-std::map<const Interface*, Instances> Search(std::chrono::milliseconds time) {
+std::map<const Interface*, Instances> Search(const InterfaceTable& table, std::chrono::milliseconds time) {
   std::map<const Interface*, Instances> found;
   std::vector<const Interface*> interfaces;
-  for (const Interface& interface : Interfaces()) {
+  for (const Interface& interface : table.All()) {
     interfaces.push_back(&interface);
   }
   Loop loop;
@@ -53,10 +52,10 @@ std::map<const Interface*, Instances> Search(std::chrono::milliseconds time) {
 
 }  // namespace
 
-void CheckServices(std::chrono::milliseconds time, Findings& findings) {
+void CheckServices(const InterfaceTable& interfaces, std::chrono::milliseconds time, Findings& findings) {
   try {
-    auto found = Search(time);
-    for (const Interface& interface : Interfaces()) {
+    auto found = Search(interfaces, time);
+    for (const Interface& interface : interfaces.All()) {
       findings.push_back(Judge(interface, found[&interface]));
     }
   } catch (const std::runtime_error& error) {

@@ -6,6 +6,8 @@
 #include <optional>
 #include <stdexcept>
 
+#include <nlohmann/json.hpp>
+
 #include "tools/tarn7/build_info.h"
 #include "tools/tarn7/error.h"
 
@@ -178,9 +180,9 @@ StackConfiguration ReadStackConfiguration(Findings& findings) {
   StackConfiguration configuration;
   for (const std::string& path : FindFiles(findings)) {
     try {
-      Json content = ParseJson(ReadText(path), "no JSON");
-      Reading(configuration, content).Run();
-      configuration.files.push_back({path, std::move(content)});
+      const auto content = std::make_shared<const Json>(ParseJson(ReadText(path), "no JSON"));
+      Reading(configuration, *content).Run();
+      configuration.files.push_back({path, content});
       findings.push_back(Finding::Ok(kCheck, path));
     } catch (const ValueError& error) {
       findings.push_back(Finding::Problem(kCheck, path + ": " + error.what(), "correct the file"));

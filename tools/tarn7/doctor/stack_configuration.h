@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "tools/tarn7/doctor/finding.h"
+#include "tools/tarn7/values/json.h"
 
 namespace tarn7::tool {
 
@@ -12,7 +14,7 @@ namespace tarn7::tool {
 struct StackConfiguration {
   struct File {
     std::string path;
-    Json content;
+    std::shared_ptr<const Json> content;
   };
 
   StackConfiguration();

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 
+#include <nlohmann/json.hpp>
+
 #include "tools/tarn7/error.h"
+#include "tools/tarn7/values/encode.h"
 #include "tools/tarn7/values/nearest.h"
 
 namespace tarn7::tool {
@@ -10,7 +13,7 @@ namespace tarn7::tool {
 FieldValues ReadFieldValues(const Json& json, const std::string& source, const std::vector<FieldAddress>& fields) {
   std::vector<std::string> names;
   for (const FieldAddress& address : fields) {
-    names.push_back(address.field->Name());
+    names.push_back(address.field->name);
   }
   if (!json.is_object()) {
     throw ValueError(source + ": expected an object of fields, such as {\"" + names.front() + "\":[]}");
@@ -19,17 +22,16 @@ FieldValues ReadFieldValues(const Json& json, const std::string& source, const s
   for (const auto& item : json.items()) {
     const std::string& key = item.key();
     const auto found = std::find_if(fields.begin(), fields.end(), [&key](const FieldAddress& address) {
-      return key == address.field->Name() || key == address.ToString();
+      return key == address.field->name || key == address.ToString();
     });
     if (found == fields.end()) {
       throw ValueError(source + ": no field '" + key + "'; did you mean '" + Nearest(key, names) + "'?");
     }
     try {
-      found->field->Encode(item.value());
+      values.insert_or_assign(found->field, Encode(*found->field->type, item.value()));
     } catch (const ValueError& error) {
       throw ValueError(source + ": " + key + ": " + error.what());
     }
-    values.insert_or_assign(found->field, item.value());
   }
   return values;
 }

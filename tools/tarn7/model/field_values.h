@@ -4,13 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "tools/tarn7/model/interface_table.h"
+#include "tools/tarn7/model/interface.h"
 #include "tools/tarn7/values/json.h"
+#include "tools/tarn7/values/payload.h"
 
 namespace tarn7::tool {
 
 /// Values by field. Each is a value of its field.
-using FieldValues = std::map<const Field*, Json>;
+using FieldValues = std::map<const Field*, Payload>;
 
 /// Reads {"FIELD": value, ...}; where `fields` are of several interfaces, "INTERFACE/FIELD" may be needed. Throws
 /// ValueError, which begins with `source`, for a field that is not among `fields` and for what is no value of its

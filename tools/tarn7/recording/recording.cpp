@@ -6,8 +6,13 @@
 #include <fstream>
 #include <iostream>
 
+#include <nlohmann/json.hpp>
+
 #include "tools/tarn7/error.h"
-#include "tools/tarn7/values/json_scalars.h"
+#include "tools/tarn7/model/interface_table.h"
+#include "tools/tarn7/values/encode.h"
+#include "tools/tarn7/values/json_checks.h"
+#include "tools/tarn7/values/payload_text.h"
 
 namespace tarn7::tool {
 
@@ -19,18 +24,10 @@ constexpr const char* kInterface = "interface";
 constexpr const char* kField = "field";
 constexpr const char* kValue = "value";
 
-const Json& MemberOf(const Json& line, const char* name) {
-  const auto found = line.find(name);
-  if (found == line.end()) {
-    Place(Place(), name).Fail("this member is required, as in what tarn7 watch writes");
-  }
-  return *found;
-}
-
 double TimeOf(const Json& line) {
   const Place root{};
   const Place place(root, kTime);
-  const Json& json = MemberOf(line, kTime);
+  const Json& json = RequiredMember(line, kTime, root);
   const double time = NumberFromJson(json, place);
   if (!(time >= 0 && time < 1e12)) {
     place.Fail(ToText(json) + " is no number of seconds since 1970");
@@ -39,7 +36,7 @@ double TimeOf(const Json& line) {
 }
 
 std::string NameOf(const Json& line, const char* member) {
-  return StringFromJson(MemberOf(line, member), Place(Place(), member));
+  return StringFromJson(RequiredMember(line, member, Place()), Place(Place(), member));
 }
 
 void ReadLine(const Json& line, const std::vector<FieldAddress>& fields, std::vector<RecordedSample>& samples) {
@@ -55,23 +52,23 @@ void ReadLine(const Json& line, const std::vector<FieldAddress>& fields, std::ve
     return;
   }
   const Field& field = FindField(*known->interface, NameOf(line, kField));
-  const Json& value = MemberOf(line, kValue);
+  const Json& value = RequiredMember(line, kValue, Place());
   try {
-    samples.push_back({time, &field, field.Encode(value)});
+    samples.push_back({time, &field, Encode(*field.type, value)});
   } catch (const ValueError& error) {
-    throw ValueError(field.Name() + ": " + error.what());
+    throw ValueError(field.name + ": " + error.what());
   }
 }
 
 }  // namespace
 
-std::string RecordingLine(const FieldAddress& address, const Json& value, std::chrono::system_clock::time_point time) {
+std::string RecordingLine(const FieldAddress& address, const Payload& value,
+                          std::chrono::system_clock::time_point time) {
   const std::chrono::duration<double> seconds =
       std::chrono::time_point_cast<std::chrono::microseconds>(time).time_since_epoch();
-  return ToText({{kTime, seconds.count()},
-                 {kInterface, address.interface->name},
-                 {kField, address.field->Name()},
-                 {kValue, value}});
+  std::string line = ToText({{kTime, seconds.count()}, {kInterface, address.interface->name}, {kField, address.field->name}});
+  line.pop_back();  // the closing brace
+  return line + ",\"" + kValue + "\":" + PayloadText(*address.field->type, value) + '}';
 }
 
 std::vector<RecordedSample> ReadRecording(const std::string& path, const std::vector<FieldAddress>& fields) {

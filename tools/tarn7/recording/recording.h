@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/tarn7/model/interface_table.h"
-#include "tools/tarn7/values/json.h"
+#include "tools/tarn7/model/interface.h"
+#include "tools/tarn7/values/payload.h"
 
 namespace tarn7::tool {
 
@@ -13,11 +13,11 @@ namespace tarn7::tool {
 struct RecordedSample {
   double time;  ///< seconds since 1970
   const Field* field;
-  std::vector<unsigned char> payload;
+  Payload payload;
 };
 
-/// A line of a recording, and of what `watch` writes.
-std::string RecordingLine(const FieldAddress& address, const Json& value, std::chrono::system_clock::time_point time);
+/// A line of a recording, and of what `watch` writes. Throws PayloadError for what is no value of the field.
+std::string RecordingLine(const FieldAddress& address, const Payload& value, std::chrono::system_clock::time_point time);
 
 /// Reads the lines that are of the interfaces of `fields`, from a file or, where `path` is "-", from standard input up
 /// to its end. Throws ValueError, which names the line, for what is no line of a recording.

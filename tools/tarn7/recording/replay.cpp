@@ -21,7 +21,7 @@ Replay::Replay(const std::string& path, const std::vector<FieldAddress>& fields,
     last = sample.time;
     const auto [firstValue, isFirst] = first_values_.try_emplace(sample.field);
     if (isFirst) {
-      firstValue->second = sample.field->Decode(sample.payload.data(), sample.payload.size());
+      firstValue->second = std::move(sample.payload);
       continue;
     }
     const std::chrono::duration<double> due(std::min(offset, kLongest));

@@ -13,7 +13,7 @@ namespace tarn7::tool {
 /// Plays a recording back with the times between its samples. Used from one thread.
 class Replay {
  public:
-  using Play = std::function<void(const Field& field, const std::vector<unsigned char>& payload)>;
+  using Play = std::function<void(const Field& field, const Payload& payload)>;
 
   /// Plays nothing.
   Replay() = default;

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tools/tarn7/loop.h"
-#include "tools/tarn7/model/field.h"
+#include "tools/tarn7/model/interface.h"
 #include "tools/tarn7/stack/stack_application.h"
 
 namespace tarn7::tool {

@@ -1,24 +1,25 @@
 #include "tools/tarn7/stack/simulated_service.h"
 
-#include <exception>
 #include <iostream>
 #include <stdexcept>
 #include <utility>
+
+#include "tools/tarn7/values/payload_check.h"
 
 namespace tarn7::tool {
 
 SimulatedService::SimulatedService(StackApplication& application, const Interface& interface, std::uint16_t instance)
     : application_(application), interface_(interface), instance_(instance), fields_(interface.fields.size()) {}
 
-void SimulatedService::Offer(std::vector<std::vector<unsigned char>> values) {
+void SimulatedService::Offer(const std::vector<Payload>& values) {
   for (std::size_t i = 0; i < fields_.size(); ++i) {
-    const Field::Identifiers& ids = interface_.fields[i]->Ids();
+    const Field& field = interface_.fields[i];
     fields_[i].payload = StackApplication::Runtime()->create_payload(values[i]);
-    RegisterHandler(ids.getter, i, &SimulatedService::AnswerGetter);
-    if (interface_.fields[i]->HasSetter()) {
-      RegisterHandler(ids.setter, i, &SimulatedService::AnswerSetter);
+    RegisterHandler(field.getter, i, &SimulatedService::AnswerGetter);
+    if (field.HasSetter()) {
+      RegisterHandler(field.setter, i, &SimulatedService::AnswerSetter);
     }
-    application_->offer_event(interface_.service_id, instance_, ids.event, {ids.eventgroup},
+    application_->offer_event(interface_.service_id, instance_, field.event, {field.eventgroup},
                               vsomeip::event_type_e::ET_FIELD);
   }
   application_->offer_service(interface_.service_id, instance_, interface_.major_version, interface_.minor_version);
@@ -33,7 +34,7 @@ void SimulatedService::StopOffer() {
                                    interface_.minor_version);
 }
 
-void SimulatedService::Update(std::size_t field, const std::vector<unsigned char>& value) {
+void SimulatedService::Update(std::size_t field, const Payload& value) {
   auto payload = StackApplication::Runtime()->create_payload(value);
   const std::lock_guard<std::mutex> lock(mutex_);
   if (!fields_[field].is_set) {
@@ -70,9 +71,10 @@ void SimulatedService::AnswerGetter(std::size_t field, const Message& request) {
 void SimulatedService::AnswerSetter(std::size_t field, const Message& request) {
   const auto payload = request->get_payload();
   try {
-    interface_.fields[field]->Decode(payload->get_data(), payload->get_length());
-  } catch (const std::exception& error) {
-    std::cerr << interface_.name << '/' << interface_.fields[field]->Name() << ": refused to set: " << error.what()
+    CheckPayload(*interface_.fields[field].type,
+                 {payload->get_data(), payload->get_data() + payload->get_length()});
+  } catch (const PayloadError& error) {
+    std::cerr << interface_.name << '/' << interface_.fields[field].name << ": refused to set: " << error.what()
               << std::endl;
     RespondError(request, vsomeip::return_code_e::E_MALFORMED_MESSAGE);
     return;
@@ -119,7 +121,7 @@ void SimulatedService::RespondError(const Message& request, vsomeip::return_code
 }
 
 void SimulatedService::Notify(std::size_t field) {
-  application_->notify(interface_.service_id, instance_, interface_.fields[field]->Ids().event, fields_[field].payload);
+  application_->notify(interface_.service_id, instance_, interface_.fields[field].event, fields_[field].payload);
   ++counters_.notifications;
 }
 

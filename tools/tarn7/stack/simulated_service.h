@@ -7,8 +7,9 @@
 
 #include <vsomeip/vsomeip.hpp>
 
-#include "tools/tarn7/model/field.h"
+#include "tools/tarn7/model/interface.h"
 #include "tools/tarn7/stack/stack_application.h"
+#include "tools/tarn7/values/payload.h"
 
 namespace tarn7::tool {
 
@@ -28,11 +29,11 @@ class SimulatedService : public std::enable_shared_from_this<SimulatedService> {
   SimulatedService(StackApplication& application, const Interface& interface, std::uint16_t instance);
 
   /// `values` holds the payload of each field, in the interface's order.
-  void Offer(std::vector<std::vector<unsigned char>> values);
+  void Offer(const std::vector<Payload>& values);
   void StopOffer();
 
   /// Gives a field, by its place in the interface, a new value, unless a client has set it: then that one stays.
-  void Update(std::size_t field, const std::vector<unsigned char>& value);
+  void Update(std::size_t field, const Payload& value);
 
   Counters GetCounters() const;
 

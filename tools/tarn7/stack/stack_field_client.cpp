@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <deque>
-#include <exception>
 #include <iostream>
 #include <mutex>
 #include <utility>
@@ -12,19 +11,19 @@
 #include "serialization/error_code_codec.h"
 #include "tools/tarn7/client/call_error.h"
 #include "tools/tarn7/error.h"
+#include "tools/tarn7/values/payload_check.h"
 
 namespace tarn7::tool {
 
 namespace {
 
-namespace common = ara::com::internal::vsomeip::common;
 using Message = std::shared_ptr<vsomeip::message>;
 using ara::com::SubscriptionState;
 
 /// What may arrive while a slow reader keeps standard output busy.
 constexpr std::size_t kMaxSamples = 256;
 
-StackFieldClient::Payload PayloadOf(const vsomeip::message& message) {
+Payload PayloadOf(const vsomeip::message& message) {
   const auto payload = message.get_payload();
   if (payload == nullptr) {
     return {};
@@ -33,7 +32,7 @@ StackFieldClient::Payload PayloadOf(const vsomeip::message& message) {
 }
 
 [[noreturn]] void ThrowErrorResponse(const vsomeip::message& response) {
-  const StackFieldClient::Payload payload = PayloadOf(response);
+  const Payload payload = PayloadOf(response);
   if (payload.size() != common::ErrorCodeWireForm::kSize) {
     throw CommandError(Status::kCallFailed, "the call failed: return code " +
                                                 std::to_string(static_cast<int>(response.get_return_code())) +
@@ -64,10 +63,10 @@ struct StackFieldClient::Inbox {
 StackFieldClient::StackFieldClient(StackServiceClient& service, const Field& field)
     : service_(service), field_(field), inbox_(std::make_shared<Inbox>()) {}
 
-void StackFieldClient::StartGet(std::function<void()> answered) { Send(field_.Ids().getter, {}, std::move(answered)); }
+void StackFieldClient::StartGet(std::function<void()> answered) { Send(field_.getter, {}, std::move(answered)); }
 
-void StackFieldClient::StartSet(const Json& value, std::function<void()> answered) {
-  Send(field_.Ids().setter, field_.Encode(value), std::move(answered));
+void StackFieldClient::StartSet(const Payload& value, std::function<void()> answered) {
+  Send(field_.setter, value, std::move(answered));
 }
 
 void StackFieldClient::Send(std::uint16_t method, const Payload& payload, std::function<void()> answered) {
@@ -90,7 +89,7 @@ void StackFieldClient::Send(std::uint16_t method, const Payload& payload, std::f
   service_.Application()->send(request);
 }
 
-StackFieldClient::Payload StackFieldClient::TakePayload() {
+Payload StackFieldClient::TakeAnswer() {
   const std::lock_guard<std::mutex> lock(inbox_->mutex);
   const Message response = std::move(inbox_->response);
   if (response->get_message_type() == vsomeip::message_type_e::MT_ERROR ||
@@ -100,46 +99,41 @@ StackFieldClient::Payload StackFieldClient::TakePayload() {
   return PayloadOf(*response);
 }
 
-Json StackFieldClient::TakeAnswer() {
-  const Payload payload = TakePayload();
-  return field_.Decode(payload.data(), payload.size());
-}
-
 void StackFieldClient::Subscribe(std::function<void()> arrived) {
   const Interface& interface = service_.GetInterface();
-  const Field::Identifiers& ids = field_.Ids();
   StackApplication& application = service_.Application();
   // The handler first: the value as it stands may be here before subscribe() has returned.
-  application->register_message_handler(interface.service_id, service_.Instance(), ids.event,
+  application->register_message_handler(interface.service_id, service_.Instance(), field_.event,
                                         [inbox = inbox_, arrived = std::move(arrived)](const Message& sample) {
                                           inbox->Store(sample);
                                           arrived();
                                         });
-  application->request_event(interface.service_id, service_.Instance(), ids.event, {ids.eventgroup},
+  application->request_event(interface.service_id, service_.Instance(), field_.event, {field_.eventgroup},
                              vsomeip::event_type_e::ET_FIELD);
   application->register_subscription_status_handler(
-      interface.service_id, service_.Instance(), ids.eventgroup, ids.event,
+      interface.service_id, service_.Instance(), field_.eventgroup, field_.event,
       [name = Name(), inbox = inbox_](auto, auto, auto, auto, auto status) {
         inbox->subscription = status == 0 ? SubscriptionState::kSubscribed : SubscriptionState::kNotSubscribed;
         if (status != 0) {
           std::cerr << name + ": the subscription was refused\n";
         }
       });
-  application->subscribe(interface.service_id, service_.Instance(), ids.eventgroup, interface.major_version, ids.event);
+  application->subscribe(interface.service_id, service_.Instance(), field_.eventgroup, interface.major_version, field_.event);
 }
 
-std::vector<Json> StackFieldClient::TakeSamples() {
+std::vector<Payload> StackFieldClient::TakeSamples() {
   std::deque<Message> samples;
   {
     const std::lock_guard<std::mutex> lock(inbox_->mutex);
     samples.swap(inbox_->samples);
   }
-  std::vector<Json> values;
+  std::vector<Payload> values;
   for (const Message& sample : samples) {
-    const Payload payload = PayloadOf(*sample);
+    Payload payload = PayloadOf(*sample);
     try {
-      values.push_back(field_.Decode(payload.data(), payload.size()));
-    } catch (const std::exception& error) {
+      CheckPayload(*field_.type, payload);
+      values.push_back(std::move(payload));
+    } catch (const PayloadError& error) {
       std::cerr << Name() << ": a sample is passed over: " << error.what() << std::endl;
     }
   }
@@ -151,6 +145,6 @@ FieldState StackFieldClient::GetState() const {
   return {inbox_->subscription, ara::com::e2exf::ProfileCheckStatus::kNotAvailable};
 }
 
-std::string StackFieldClient::Name() const { return service_.GetInterface().name + '/' + field_.Name(); }
+std::string StackFieldClient::Name() const { return service_.GetInterface().name + '/' + field_.name; }
 
 }  // namespace tarn7::tool

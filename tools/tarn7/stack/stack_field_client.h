@@ -16,20 +16,17 @@ namespace tarn7::tool {
 /// Access to a field straight on the stack, with payloads as they come.
 class StackFieldClient final : public FieldClient {
  public:
-  using Payload = std::vector<unsigned char>;
-
   /// `service` lives longer.
   StackFieldClient(StackServiceClient& service, const Field& field);
 
   void StartGet(std::function<void()> answered) override;
-  void StartSet(const Json& value, std::function<void()> answered) override;
-  Json TakeAnswer() override;
-  /// As TakeAnswer, but the bytes, whatever they are.
-  Payload TakePayload();
+  void StartSet(const Payload& value, std::function<void()> answered) override;
+  /// The bytes as they came, whatever they are.
+  Payload TakeAnswer() override;
 
   void Subscribe(std::function<void()> arrived) override;
   /// A sample that is no value of the field is reported on standard error and passed over.
-  std::vector<Json> TakeSamples() override;
+  std::vector<Payload> TakeSamples() override;
   FieldState GetState() const override;
 
  private:

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <numeric>
 
+#include "tools/tarn7/values/payload_text.h"
+
 namespace tarn7::tool {
 
 namespace {
@@ -62,7 +64,7 @@ std::string EndOf(const std::string& text, std::size_t columns) {
 
 }  // namespace
 
-void FollowedField::Add(Json value, Loop::TimePoint now) {
+void FollowedField::Add(Payload value, Loop::TimePoint now) {
   value_ = std::move(value);
   is_new_ = true;
   last_ = now;
@@ -78,7 +80,7 @@ void FollowedField::Forget(Loop::TimePoint now) {
 
 const std::string& FollowedField::Value() {
   if (is_new_) {
-    text_ = CutTo(ToText(value_), kLongestValue);
+    text_ = CutTo(PayloadText(type_, value_), kLongestValue);
     is_new_ = false;
   }
   return text_;

@@ -9,16 +9,16 @@
 #include "tools/tarn7/client/field_client.h"
 #include "tools/tarn7/loop.h"
 #include "tools/tarn7/terminal/terminal.h"
-#include "tools/tarn7/values/json.h"
+#include "tools/tarn7/values/payload.h"
 
 namespace tarn7::tool {
 
 /// The samples of one followed field.
 class FollowedField {
  public:
-  explicit FollowedField(std::string name) : name_(std::move(name)) {}
+  FollowedField(std::string name, const ValueType& type) : name_(std::move(name)), type_(type) {}
 
-  void Add(Json value, Loop::TimePoint now);
+  void Add(Payload value, Loop::TimePoint now);
 
   const std::string& Name() const noexcept { return name_; }
   /// The beginning of the last sample; empty before the first one.
@@ -32,8 +32,9 @@ class FollowedField {
   void Forget(Loop::TimePoint now);
 
   std::string name_;
+  const ValueType& type_;
   Loop::TimePoint begin_ = Loop::Clock::now();
-  Json value_;
+  Payload value_;
   bool is_new_ = false;  // its text, which takes long to make where it is large, was not asked for
   std::string text_;
   std::optional<Loop::TimePoint> last_;

@@ -1,11 +1,14 @@
 #include "tools/tarn7/values/json.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstring>
 #include <fstream>
 #include <iostream>
 #include <iterator>
+
+#include <nlohmann/json.hpp>
 
 #include "tools/tarn7/error.h"
 
@@ -19,16 +22,11 @@ std::string WithoutIdentifier(const std::string& text) {
   return end == std::string::npos ? text : text.substr(end + 2);
 }
 
-/// The fewest digits that identify the number, which the JSON library's own writer does not always find.
-std::string ToText(double number) {
-  char digits[32];
-  std::string text(digits, std::to_chars(digits, digits + sizeof(digits), number).ptr);
-  return text.find_first_of(".e") == std::string::npos ? text + ".0" : text;
-}
+bool IsPlain(char character) { return character >= ' ' && character <= '~' && character != '"' && character != '\\'; }
 
 void AppendTo(std::string& text, const Json& json) {
   if (json.is_number_float()) {
-    text += ToText(json.get<double>());
+    AppendNumber(text, json.get<double>());
     return;
   }
   if (!json.is_structured()) {
@@ -51,16 +49,27 @@ void AppendTo(std::string& text, const Json& json) {
 
 }  // namespace
 
-std::string ReadText(const std::string& path) {
-  if (path == "-") {
-    return std::string(std::istreambuf_iterator<char>(std::cin), {});
-  }
+std::string ReadFile(const std::string& path, std::size_t limit) {
   std::ifstream file(path);
-  std::string text(std::istreambuf_iterator<char>(file), {});
+  std::string text;
+  try {
+    for (std::istreambuf_iterator<char> next(file), end; next != end && text.size() <= limit; ++next) {
+      text.push_back(*next);
+    }
+  } catch (const std::ios_base::failure&) {  // a folder
+    file.setstate(std::ios_base::badbit);
+  }
   if (!file.is_open() || file.bad()) {
     throw ValueError(path + " cannot be read: " + std::strerror(errno));
   }
+  if (text.size() > limit) {
+    throw ValueError(path + " is larger than " + std::to_string(limit) + " bytes");
+  }
   return text;
+}
+
+std::string ReadText(const std::string& path) {
+  return path == "-" ? std::string(std::istreambuf_iterator<char>(std::cin), {}) : ReadFile(path);
 }
 
 Json ParseJson(std::string_view text, const std::string& source) {
@@ -83,15 +92,40 @@ std::string ToText(const Json& json) {
   return text;
 }
 
+void AppendString(std::string& text, std::string_view string) {
+  if (std::all_of(string.begin(), string.end(), IsPlain)) {
+    text += '"';
+    text += string;
+    text += '"';
+  } else {
+    AppendTo(text, Json(string));
+  }
+}
+
+// The JSON library's own writer does not always find the fewest digits.
+void AppendNumber(std::string& text, double number) {
+  char digits[32];
+  const std::string_view written(digits, static_cast<std::size_t>(
+                                             std::to_chars(digits, digits + sizeof(digits), number).ptr - digits));
+  text += written;
+  if (written.find_first_of(".e") == std::string_view::npos) {
+    text += ".0";
+  }
+}
+
 std::string ToHex(const unsigned char* data, std::size_t size) {
-  constexpr char kDigits[] = "0123456789abcdef";
   std::string text;
-  text.reserve(2 * size);
+  AppendHex(text, data, size);
+  return text;
+}
+
+void AppendHex(std::string& text, const unsigned char* data, std::size_t size) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  text.reserve(text.size() + 2 * size);
   for (std::size_t i = 0; i < size; ++i) {
     text.push_back(kDigits[data[i] >> 4U]);
     text.push_back(kDigits[data[i] & 0xFU]);
   }
-  return text;
 }
 
 }  // namespace tarn7::tool

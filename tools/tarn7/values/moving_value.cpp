@@ -1,7 +1,9 @@
 #include "tools/tarn7/values/moving_value.h"
 
 #include <algorithm>
-#include <vector>
+#include <cstring>
+#include <iterator>
+#include <string_view>
 
 namespace tarn7::tool {
 
@@ -9,9 +11,34 @@ namespace {
 
 using Kind = ValueType::Kind;
 
-constexpr int kGreatest = 100;
+constexpr int kGreatest = 100;  // fits every number
+constexpr std::string_view kText = "text";
 
-int GreatestOf(const ValueType& type) { return static_cast<int>(std::min<std::uint64_t>(type.max, kGreatest)); }
+double LoadFloat(const unsigned char* data, std::size_t size) {
+  const std::uint64_t number = LoadNumber(data, size);
+  if (size == sizeof(double)) {
+    double value = 0;
+    std::memcpy(&value, &number, sizeof(value));
+    return value;
+  }
+  const auto bits = static_cast<std::uint32_t>(number);
+  float value = 0;
+  std::memcpy(&value, &bits, sizeof(value));
+  return value;
+}
+
+void StoreFloat(double number, unsigned char* data, std::size_t size) {
+  std::uint64_t bits = 0;
+  if (size == sizeof(double)) {
+    std::memcpy(&bits, &number, sizeof(number));
+  } else {
+    const auto value = static_cast<float>(number);
+    std::uint32_t narrow = 0;
+    std::memcpy(&narrow, &value, sizeof(value));
+    bits = narrow;
+  }
+  StoreNumber(bits, data, size);
+}
 
 }  // namespace
 
@@ -20,59 +47,69 @@ int ValueSource::Drift(int number, int step, int max) {
   return std::clamp(moved == number ? number + 1 : moved, 0, max);
 }
 
-Json ValueSource::First(const ValueType& type) {
-  switch (type.kind) {
-    case Kind::kBool:
-      return Random(0, 1) == 1;
-    case Kind::kInteger:
-      return static_cast<unsigned>(Random(0, GreatestOf(type)));
-    case Kind::kFloat:
-      return Random(0, 2 * kGreatest) / 2.0;
-    case Kind::kString:
-      return "text";
-    case Kind::kBytes: {
-      std::vector<unsigned char> bytes(type.size == 0 ? 4 : type.size);
-      std::generate(bytes.begin(), bytes.end(), [this] { return static_cast<unsigned char>(Random(0, 0xFF)); });
-      return ToHex(bytes.data(), bytes.size());
-    }
-    case Kind::kSequence:
-      return Json::array({First(type.element.front()), First(type.element.front())});
-    case Kind::kRecord:
-      break;
-  }
-  Json record = Json::object();
-  for (const Member& member : type.members) {
-    record[member.name] = First(member.type);
-  }
-  return record;
+Payload ValueSource::First(const ValueType& type) {
+  Payload value;
+  Append(type, value);
+  return value;
 }
 
-void ValueSource::Move(Json& value, const ValueType& type) {
-  switch (type.kind) {
-    case Kind::kBool:
-      value = value.get<bool>() != (Random(0, 7) == 0);
-      break;
-    case Kind::kInteger:
-      value = static_cast<unsigned>(Drift(value.get<int>(), 2, GreatestOf(type)));
-      break;
-    case Kind::kFloat:
-      value = Drift(static_cast<int>(2 * value.get<double>()), 2, 2 * kGreatest) / 2.0;
-      break;
-    case Kind::kString:
-      break;
-    case Kind::kBytes:
-      value = First(type);
-      break;
-    case Kind::kSequence:
-      for (Json& element : value) {
-        Move(element, type.element.front());
+void ValueSource::Append(const ValueType& type, Payload& value) {
+  if (type.IsScalar()) {
+    AppendNumber(value, 0, type.size);
+    unsigned char* const data = value.data() + value.size() - type.size;
+    if (type.kind == Kind::kFloat) {
+      StoreFloat(Random(0, 2 * kGreatest) / 2.0, data, type.size);
+    } else {
+      StoreNumber(static_cast<std::uint64_t>(Random(0, type.kind == Kind::kBool ? 1 : kGreatest)), data, type.size);
+    }
+    return;
+  }
+  AppendWithLength(value, [&] {
+    if (type.kind == Kind::kString) {
+      value.insert(value.end(), kText.begin(), kText.end());
+    } else if (type.kind == Kind::kBytes) {
+      constexpr std::size_t kUsualSize = 4;
+      std::generate_n(std::back_inserter(value), type.size == 0 ? kUsualSize : type.size,
+                      [this] { return static_cast<unsigned char>(Random(0, 0xFF)); });
+    } else if (type.kind == Kind::kSequence) {
+      Append(*type.element, value);
+      Append(*type.element, value);
+    } else {
+      for (const Member& member : type.record->members) {
+        AppendNumber(value, TagOf(member), common::kTagSize);
+        Append(*member.type, value);
       }
-      break;
-    case Kind::kRecord:
-      for (const Member& member : type.members) {
-        Move(value[member.name], member.type);
-      }
-      break;
+    }
+  });
+}
+
+void ValueSource::Move(const ValueType& type, Payload& value) { MoveAt(type, Whole(value), value); }
+
+void ValueSource::MoveAt(const ValueType& type, const Extent& part, Payload& value) {
+  if (type.IsScalar()) {
+    MoveScalar(type, value.data() + part.offset);
+  } else if (type.kind == Kind::kBytes) {
+    std::generate_n(value.begin() + static_cast<std::ptrdiff_t>(part.Content().offset), part.Content().size,
+                    [this] { return static_cast<unsigned char>(Random(0, 0xFF)); });
+  } else if (type.kind == Kind::kSequence) {
+    ForEachElement(type, part, [&](const Extent& element) { MoveAt(*type.element, element, value); });
+  } else if (type.kind == Kind::kRecord) {
+    const std::vector<Extent> members = MembersOf(*type.record, part);
+    for (std::size_t i = 0; i < members.size(); ++i) {
+      MoveAt(*type.record->members[i].type, members[i], value);
+    }
+  }
+}
+
+void ValueSource::MoveScalar(const ValueType& type, unsigned char* data) {
+  if (type.kind == Kind::kFloat) {
+    const int halves = static_cast<int>(2 * LoadFloat(data, type.size));
+    StoreFloat(Drift(halves, 2, 2 * kGreatest) / 2.0, data, type.size);
+  } else if (type.kind == Kind::kBool) {
+    *data = static_cast<unsigned char>((*data != 0) != (Random(0, 7) == 0) ? 1 : 0);
+  } else {
+    const int number = Drift(static_cast<int>(LoadNumber(data, type.size)), 2, kGreatest);
+    StoreNumber(static_cast<std::uint64_t>(number), data, type.size);
   }
 }
 

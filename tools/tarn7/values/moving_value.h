@@ -2,8 +2,7 @@
 
 #include <random>
 
-#include "tools/tarn7/model/value_type.h"
-#include "tools/tarn7/values/json.h"
+#include "tools/tarn7/values/payload.h"
 
 namespace tarn7::tool {
 
@@ -11,11 +10,16 @@ namespace tarn7::tool {
 class ValueSource {
  public:
   /// A value with all members present, and two elements in each sequence.
-  Json First(const ValueType& type);
-  /// The value a moment later: numbers go up or down a little, between 0 and 100; now and then a bool changes.
-  void Move(Json& value, const ValueType& type);
+  Payload First(const ValueType& type);
+  /// The value, which First made, a moment later: numbers go up or down a little, between 0 and 100; now and then a
+  /// bool changes. Its size stays.
+  void Move(const ValueType& type, Payload& value);
 
  private:
+  void Append(const ValueType& type, Payload& value);
+  void MoveAt(const ValueType& type, const Extent& part, Payload& value);
+  void MoveScalar(const ValueType& type, unsigned char* data);
+
   int Random(int first, int last) { return std::uniform_int_distribution<int>(first, last)(random_); }
   /// `number` moved by up to `step`, kept between 0 and `max`.
   int Drift(int number, int step, int max);

@@ -2,96 +2,165 @@
 
 #include <algorithm>
 
-namespace tarn7::tool::detail {
+#include "serialization/member_view.h"
+#include "tools/tarn7/values/place.h"
+
+namespace tarn7::tool {
 
 namespace {
+
+using Kind = ValueType::Kind;
+
+// The library's texts.
+constexpr const char* kValueTooShort = "Deserialization of ara::core::Vector<T> failed, insufficient data.";
+constexpr const char* kSequenceTooShort = "Deserialization of sequence container failed, insufficient data.";
+constexpr const char* kNoSize = "Deserialization of structure failed, unable to read size.";
+constexpr const char* kRecordTooLong = "Deserialization of structure failed, declared size excess data length.";
+constexpr const char* kScalarTooShort = "Insufficient arguments from remote end";
 
 std::string At(const Place& place, const Extent& extent) {
   return place.ToString() + " at byte " + std::to_string(extent.offset) + ": ";
 }
 
-/// What follows the length of the value; nothing where that does not fit, which decoding the value will tell.
-Extent ContentOf(const Extent& extent) {
-  const std::uint64_t size = extent.SizeWithLength();
-  return size == 0 ? extent.First(0) : extent.First(size).From(common::kLengthFieldSize);
+[[noreturn]] void Fail(const Place& place, const Extent& extent, const std::string& text) {
+  throw PayloadError(At(place, extent) + text);
 }
 
-const CheckedMember* Find(const std::vector<CheckedMember>& members, std::uint16_t dataId) {
-  const auto found = std::find_if(members.begin(), members.end(),
-                                  [dataId](const CheckedMember& member) { return member.data_id == dataId; });
-  return found == members.end() ? nullptr : &*found;
+const Member* FindMember(const RecordType& record, std::uint16_t dataId) {
+  const auto found = std::find_if(record.members.begin(), record.members.end(),
+                                  [dataId](const Member& member) { return member.data_id == dataId; });
+  return found == record.members.end() ? nullptr : &*found;
 }
 
-/// The member whose tag and length are next.
-common::MemberView ReadMemberAt(const Place& place, const Extent& rest, const std::vector<CheckedMember>& members) {
-  try {
-    return common::ReadMember(rest.data, rest.size);
-  } catch (const std::runtime_error& error) {
-    const CheckedMember* member = nullptr;
-    if (rest.size >= common::kTagSize) {
-      member = Find(members, common::DataIdOfTag(common::Deserializer<std::uint16_t>(rest.data, rest.size).getValue()));
+class Checker {
+ public:
+  /// The extent is what a decoder of the type is given: it may hold more than the value.
+  void Check(const ValueType& type, const Place& place, const Extent& extent) {
+    switch (type.kind) {
+      case Kind::kBool:
+      case Kind::kInteger:
+      case Kind::kFloat:
+        if (extent.size < type.size) {
+          Fail(place, extent, kScalarTooShort);
+        }
+        NoteUnread(place, extent.From(type.size));
+        return;
+      case Kind::kRecord:
+        if (extent.size < common::kLengthFieldSize) {
+          Fail(place, extent, kNoSize);
+        }
+        CheckLength(place, extent, kRecordTooLong);
+        CheckMembers(*type.record, place, extent.Content());
+        break;
+      case Kind::kString:
+      case Kind::kBytes:
+        CheckLength(place, extent, kSequenceTooShort);
+        if (type.size != 0 && extent.Length() != type.size) {
+          Fail(place, extent, kSequenceTooShort);
+        }
+        break;
+      case Kind::kSequence:
+        CheckLength(place, extent, kSequenceTooShort);
+        CheckElements(*type.element, place, extent);
+        break;
     }
-    throw PayloadError(At(member == nullptr ? place : Place(place, member->name), rest) + error.what());
+    NoteUnread(place, extent.From(common::kLengthFieldSize + extent.Length()));
   }
-}
 
-}  // namespace
+  PayloadNotes TakeNotes() { return std::move(notes_); }
 
-std::uint64_t Extent::SizeWithLength() const {
-  if (size < common::kLengthFieldSize) {
-    return 0;
-  }
-  const std::uint64_t length = common::Deserializer<std::uint32_t>(data, size).getValue();
-  const std::uint64_t needed = common::kLengthFieldSize + length;
-  return needed <= size ? needed : 0;
-}
-
-void DecodeAt(const Place& place, const Extent& extent, DecodeFunction decode) {
-  try {
-    decode(extent);
-  } catch (const std::runtime_error& error) {
-    throw PayloadError(At(place, extent) + error.what());
-  }
-}
-
-void CheckMembers(const Place& place, const Extent& extent, const std::vector<CheckedMember>& members,
-                  PayloadNotes& notes) {
-  for (Extent rest = ContentOf(extent); rest.size > 0;) {
-    const common::MemberView view = ReadMemberAt(place, rest, members);
-    if (const CheckedMember* member = Find(members, view.dataId)) {
-      member->check(Place(place, member->name), rest.From(common::kTagSize).First(view.size), notes);
-    } else {
-      notes.push_back(At(place, rest) + "no member has data id " + std::to_string(view.dataId));
+ private:
+  static void CheckLength(const Place& place, const Extent& extent, const char* text) {
+    std::uint64_t length = 0;
+    try {
+      length = extent.Length();
+    } catch (const std::runtime_error& error) {
+      Fail(place, extent, error.what());
     }
-    rest = rest.From(common::kTagSize + view.size);
+    if (length > extent.size - common::kLengthFieldSize) {
+      Fail(place, extent, text);
+    }
   }
-}
 
-// As the library does, looks at the extents of all elements first.
-void CheckElements(const Place& place, const Extent& extent, CheckFunction element, DecodeFunction sequence,
-                   PayloadNotes& notes) {
-  std::vector<Extent> elements;
-  for (Extent rest = ContentOf(extent); rest.size > 0; rest = rest.From(elements.back().size)) {
-    const std::uint64_t size = rest.SizeWithLength();
-    if (size == 0) {
-      try {
-        sequence(extent);
-      } catch (const std::runtime_error& error) {
-        throw PayloadError(At(Place(place, elements.size()), rest) + error.what());
+  /// The member whose tag and length are next.
+  static common::MemberView ReadMember(const RecordType& record, const Place& place, const Extent& rest) {
+    try {
+      return common::ReadMember(rest.data, rest.size);
+    } catch (const std::runtime_error& error) {
+      const Member* member = nullptr;
+      if (rest.size >= common::kTagSize) {
+        const auto tag = static_cast<std::uint16_t>(LoadNumber(rest.data, common::kTagSize));
+        member = FindMember(record, common::DataIdOfTag(tag));
+      }
+      Fail(member == nullptr ? place : Place(place, member->name), rest, error.what());
+    }
+  }
+
+  void CheckMembers(const RecordType& record, const Place& place, Extent rest) {
+    while (rest.size > 0) {
+      const common::MemberView view = ReadMember(record, place, rest);
+      if (const Member* member = FindMember(record, view.dataId)) {
+        Check(*member->type, Place(place, member->name), rest.From(common::kTagSize).First(view.size));
+      } else {
+        notes_.push_back(At(place, rest) + "no member has data id " + std::to_string(view.dataId));
+      }
+      rest = rest.From(common::kTagSize + view.size);
+    }
+  }
+
+  // As the library does, looks at the extents of all elements first.
+  void CheckElements(const ValueType& element, const Place& place, const Extent& extent) {
+    if (element.IsScalar()) {
+      if (extent.Length() % element.size != 0) {
+        Fail(place, extent, kSequenceTooShort);
       }
       return;
     }
-    elements.push_back(rest.First(size));
+    std::size_t count = 0;
+    Extent handed = extent.From(common::kLengthFieldSize);
+    for (Extent rest = extent.Content(); rest.size > 0; ++count) {
+      const Place next(place, count);
+      if (handed.size < common::kLengthFieldSize) {
+        Fail(next, rest, kNoSize);
+      }
+      if (handed.Length() > handed.size - common::kLengthFieldSize) {
+        Fail(next, rest, kRecordTooLong);
+      }
+      const std::uint64_t size = common::kLengthFieldSize + handed.Length();
+      if (size > rest.size) {
+        Fail(next, rest, kSequenceTooShort);
+      }
+      handed = handed.From(size);
+      rest = rest.From(size);
+    }
+    Extent rest = extent.Content();
+    for (std::size_t i = 0; i < count; ++i) {
+      const std::uint64_t size = common::kLengthFieldSize + rest.Length();
+      Check(element, Place(place, i), rest.First(size));
+      rest = rest.From(size);
+    }
   }
-  for (std::size_t i = 0; i < elements.size(); ++i) {
-    element(Place(place, i), elements[i], notes);
+
+  void NoteUnread(const Place& place, const Extent& unread) {
+    if (unread.size > 0) {
+      notes_.push_back(At(place, unread) + std::to_string(unread.size) + " bytes are passed over");
+    }
   }
+
+  PayloadNotes notes_;
+};
+
+}  // namespace
+
+PayloadNotes CheckPayload(const ValueType& type, const Payload& payload) {
+  const Extent extent = Whole(payload);
+  const Place whole;
+  if (extent.size < common::kLengthFieldSize || extent.Length() > extent.size - common::kLengthFieldSize) {
+    Fail(whole, extent, kValueTooShort);
+  }
+  Checker checker;
+  checker.Check(type, whole, extent);
+  return checker.TakeNotes();
 }
 
-void NoteUnread(const Place& place, const Extent& extent, std::uint64_t read, PayloadNotes& notes) {
-  if (extent.size > read) {
-    notes.push_back(At(place, extent.From(read)) + std::to_string(extent.size - read) + " bytes are passed over");
-  }
-}
-
-}  // namespace tarn7::tool::detail
+}  // namespace tarn7::tool

@@ -50,8 +50,8 @@ class ProfileBuilder {
 
   void Add(const Interface& interface) {
     services_.AddRow({UserTable::Hex(interface.service_id), interface.name});
-    for (const auto& field : interface.fields) {
-      Add(interface, *field);
+    for (const Field& field : interface.fields) {
+      Add(interface, field);
     }
   }
 
@@ -74,31 +74,30 @@ class ProfileBuilder {
   enum class MessageType : std::uint8_t { kRequest = 0x00, kNotification = 0x02, kResponse = 0x80, kError = 0x81 };
 
   void Add(const Interface& interface, const Field& field) {
-    const Field::Identifiers& ids = field.Ids();
-    const std::string path = interface.name + '.' + field.Name();
-    const Reference value = Describe(field.Type(), field.Name(), path);
+    const std::string path = interface.name + '.' + field.name;
+    const Reference value = Describe(*field.type, field.name, path);
     const auto addMessage = [&](std::uint16_t method, MessageType type) {
       const bool isError = type == MessageType::kError;
       const Reference& content = isError ? error_ : value;
       parameters_.AddRow({UserTable::Hex(interface.service_id), UserTable::Hex(method), interface.major_version,
                           UserTable::Hex(static_cast<std::uint64_t>(type)), false, 1, 0,
-                          isError ? kErrorName : field.Name(), content.TableNumber(), content.Id(), path});
+                          isError ? kErrorName : field.name, content.TableNumber(), content.Id(), path});
     };
     const auto addName = [&interface](UserTable& table, std::uint16_t id, const std::string& name) {
       table.AddRow({UserTable::Hex(interface.service_id), UserTable::Hex(id), name});
     };
-    addName(methods_, ids.getter, "get " + field.Name());
-    addMessage(ids.getter, MessageType::kResponse);
-    addMessage(ids.getter, MessageType::kError);
+    addName(methods_, field.getter, "get " + field.name);
+    addMessage(field.getter, MessageType::kResponse);
+    addMessage(field.getter, MessageType::kError);
     if (field.HasSetter()) {
-      addName(methods_, ids.setter, "set " + field.Name());
-      addMessage(ids.setter, MessageType::kRequest);
-      addMessage(ids.setter, MessageType::kResponse);
-      addMessage(ids.setter, MessageType::kError);
+      addName(methods_, field.setter, "set " + field.name);
+      addMessage(field.setter, MessageType::kRequest);
+      addMessage(field.setter, MessageType::kResponse);
+      addMessage(field.setter, MessageType::kError);
     }
-    addName(methods_, ids.event, field.Name());
-    addMessage(ids.event, MessageType::kNotification);
-    addName(eventgroups_, ids.eventgroup, field.Name());
+    addName(methods_, field.event, field.name);
+    addMessage(field.event, MessageType::kNotification);
+    addName(eventgroups_, field.eventgroup, field.name);
   }
 
   /// `path` is that of the value, in display filters.
@@ -107,25 +106,22 @@ class ProfileBuilder {
       case ValueType::Kind::kBool:
         return bool_;
       case ValueType::Kind::kInteger:
-        return BaseType(type.name, type.name, type.size);
+        return Integer(type.name, type.size);
       case ValueType::Kind::kFloat:
         return BaseType(type.name, "float" + std::to_string(8 * type.size), type.size);
       case ValueType::Kind::kString:
         return string_;
       case ValueType::Kind::kBytes:
-        return Array(BaseType<std::uint8_t>(), type.size, type.size == 0 ? kAnyNumber : type.size, name, path);
+        return Array(Describe(*type.element, name, path), type.size, type.size == 0 ? kAnyNumber : type.size, name, path);
       case ValueType::Kind::kSequence:
-        return Array(Describe(type.element.front(), name, path), 0, kAnyNumber, name, path);
+        return Array(Describe(*type.element, name, path), 0, kAnyNumber, name, path);
       case ValueType::Kind::kRecord:
         break;
     }
-    return Struct(type.members, path);
+    return Struct(type.record->members, path);
   }
 
-  template <typename Integer>
-  Reference BaseType() {
-    return Describe(DescribeType<Integer>(), {}, {});
-  }
+  Reference Integer(const std::string& name, std::size_t size) { return BaseType(name, name, size); }
 
   Reference BaseType(const std::string& name, const std::string& wiresharkName, std::size_t size) {
     const auto known = base_type_ids_.find(name);
@@ -155,7 +151,7 @@ class ProfileBuilder {
     }
     for (const Member& member : members) {
       const std::string memberPath = path + '.' + member.name;
-      const Reference type = Describe(member.type, member.name, memberPath);
+      const Reference type = Describe(*member.type, member.name, memberPath);
       structs_.AddRow({record.Id(), path, kLengthBits, kPadding, true, places, member.data_id, member.name,
                        type.TableNumber(), type.Id(), memberPath});
     }
@@ -165,11 +161,11 @@ class ProfileBuilder {
   /// What an error response carries: no tags, but its fixed members one after the other.
   Reference ErrorCode() {
     const Reference record = Next(Reference::Table::kStructs);
-    const std::pair<const char*, Reference> members[] = {{"marker", BaseType<std::uint8_t>()},
-                                                         {"length", BaseType<std::uint16_t>()},
-                                                         {"domain", BaseType<std::uint64_t>()},
-                                                         {"value", BaseType<std::int32_t>()},
-                                                         {"supportData", BaseType<std::int32_t>()}};
+    const std::pair<const char*, Reference> members[] = {{"marker", Integer("uint8", 1)},
+                                                         {"length", Integer("uint16", 2)},
+                                                         {"domain", Integer("uint64", 8)},
+                                                         {"value", Integer("int32", 4)},
+                                                         {"supportData", Integer("int32", 4)}};
     for (std::size_t place = 0; place < std::size(members); ++place) {
       const auto& [name, type] = members[place];
       structs_.AddRow({record.Id(), kErrorName, kLengthBits, kPadding, false, std::size(members), place, name,
@@ -198,7 +194,7 @@ class ProfileBuilder {
 
 }  // namespace
 
-std::map<std::string, std::string> MakeWiresharkProfile(const std::vector<Interface>& interfaces) {
+std::map<std::string, std::string> MakeWiresharkProfile(const std::deque<Interface>& interfaces) {
   ProfileBuilder builder;
   for (const Interface& interface : interfaces) {
     builder.Add(interface);

@@ -1,17 +1,18 @@
-#include "tools/tarn7/client/proxy_service_client.h"
+#include "tools/tarn7/library/proxy_service_client.h"
 
 #include <stdexcept>
 #include <string>
 #include <utility>
 
 #include "platform/include/runtime.h"
+#include "tools/tarn7/library/consumed_fields.h"
 
 namespace tarn7::tool {
 
 using ara::com::internal::Runtime;
 
 ProxyServiceClient::ProxyServiceClient(Loop& loop, const Interface& interface, std::uint16_t instance, Changed changed)
-    : ServiceClient(loop, interface, instance, std::move(changed)) {
+    : ServiceClient(loop, interface, instance, std::move(changed)), interface_(interface) {
   Runtime::Init();
   binding_ = Runtime::CreateProxy(interface.ara_service_id, std::to_string(instance));
   if (binding_ == nullptr) {
@@ -24,6 +25,8 @@ ProxyServiceClient::ProxyServiceClient(Loop& loop, const Interface& interface, s
 
 ProxyServiceClient::~ProxyServiceClient() { Runtime::StopFindService(search_); }
 
-std::unique_ptr<FieldClient> ProxyServiceClient::Connect(const Field& field) { return field.Connect(binding_); }
+std::unique_ptr<FieldClient> ProxyServiceClient::Connect(const Field& field) {
+  return ConnectField({&interface_, &field}, binding_);
+}
 
 }  // namespace tarn7::tool

@@ -18,6 +18,7 @@ class ProxyServiceClient final : public ServiceClient {
   std::unique_ptr<FieldClient> Connect(const Field& field) override;
 
  private:
+  const Interface& interface_;
   std::shared_ptr<ara::com::internal::proxy::ProxyBindingBase> binding_;
   ara::com::FindServiceHandle search_;
 };

@@ -1,7 +1,10 @@
-#include "tools/tarn7/values/json_scalars.h"
+#include "tools/tarn7/values/json_checks.h"
 
 #include <algorithm>
-#include <string_view>
+#include <cctype>
+#include <limits>
+
+#include <nlohmann/json.hpp>
 
 #include "tools/tarn7/values/nearest.h"
 
@@ -43,11 +46,34 @@ bool BoolFromJson(const Json& json, const Place& place) {
   return json.get<bool>();
 }
 
-std::string StringFromJson(const Json& json, const Place& place) {
+const std::string& StringFromJson(const Json& json, const Place& place) {
   if (!json.is_string()) {
     FailType("a string", json, place);
   }
-  return json.get<std::string>();
+  return json.get_ref<const std::string&>();
+}
+
+std::uint64_t IntegerFromJson(const Json& json, std::size_t bits, bool isSigned, const Place& place) {
+  const std::string name = std::to_string(bits) + (isSigned ? "-bit signed integer" : "-bit unsigned integer");
+  if (!json.is_number()) {
+    place.Fail("expected a " + name + ", found " + Summary(json));
+  }
+  const std::uint64_t max = std::numeric_limits<std::uint64_t>::max() >> (64 - bits + (isSigned ? 1 : 0));
+  const std::int64_t min = isSigned ? -static_cast<std::int64_t>(max) - 1 : 0;
+  // What is negative is signed here, everything else that is whole and below 2^64 is unsigned.
+  if (json.is_number_unsigned()) {
+    const auto number = json.get<std::uint64_t>();
+    if (number <= max) {
+      return number;
+    }
+  } else if (json.is_number_integer()) {
+    const auto number = json.get<std::int64_t>();
+    if (number >= min) {
+      return static_cast<std::uint64_t>(number);
+    }
+  }
+  place.Fail(ToText(json) + " does not fit a " + name + " (" + std::to_string(min) + " to " + std::to_string(max) +
+             ")");
 }
 
 std::vector<std::uint8_t> BytesFromHex(const Json& json, const Place& place) {
@@ -93,11 +119,42 @@ void RequireArray(const Json& json, const Place& place) {
   }
 }
 
-void RequireObjectOf(const Json& json, const std::vector<std::string>& names, const Place& place) {
+void RequireObject(const Json& json, const Place& place) {
   if (!json.is_object()) {
     FailType("an object", json, place);
   }
-  for (const auto& member : json.items()) {
+}
+
+const Json& RequiredMember(const Json& object, const char* name, const Place& place) {
+  RequireObject(object, place);
+  const auto found = object.find(name);
+  if (found == object.end()) {
+    Place(place, name).Fail("this member is required");
+  }
+  return *found;
+}
+
+const std::string& NameFromJson(const Json& json, const Place& place) {
+  const std::string& name = StringFromJson(json, place);
+  const auto isPart = [](unsigned char letter) { return letter < 0x80 && (std::isalnum(letter) != 0 || letter == '_'); };
+  if (name.empty() || std::isdigit(static_cast<unsigned char>(name.front())) != 0 ||
+      !std::all_of(name.begin(), name.end(), isPart)) {
+    place.Fail(Summary(json) + " is no name: letters, digits and underscores, of which the first is no digit");
+  }
+  return name;
+}
+
+const std::string& PhraseFromJson(const Json& json, const Place& place) {
+  const std::string& text = StringFromJson(json, place);
+  if (std::any_of(text.begin(), text.end(), [](unsigned char letter) { return std::iscntrl(letter) != 0; })) {
+    place.Fail("control characters have no place in a text");
+  }
+  return text;
+}
+
+void RequireMembersAmong(const Json& object, const std::vector<std::string>& names, const Place& place) {
+  RequireObject(object, place);
+  for (const auto& member : object.items()) {
     if (std::find(names.begin(), names.end(), member.key()) == names.end()) {
       Place(place, member.key()).Fail("no such member; did you mean " + Nearest(member.key(), names) + "?");
     }

@@ -10,14 +10,14 @@
 #include "ara/com/internal/proxy/field.h"
 #include "ara/com/internal/proxy/proxy_binding_base.h"
 #include "core_types/future.h"
+#include "serialization/deserializer.h"
+#include "serialization/serializer.h"
 #include "tools/tarn7/client/call_error.h"
 #include "tools/tarn7/client/field_client.h"
-#include "tools/tarn7/values/from_json.h"
-#include "tools/tarn7/values/to_json.h"
 
 namespace tarn7::tool {
 
-/// Access through the library's own proxy.
+/// Access through the library's own proxy: payloads become values, and values payloads, in the library's own codec.
 template <typename ProxyField>
 class ProxyFieldClient final : public FieldClient {
  public:
@@ -30,21 +30,21 @@ class ProxyFieldClient final : public FieldClient {
     answer_.then(std::move(answered));
   }
 
-  void StartSet(const Json& value, std::function<void()> answered) override {
+  void StartSet(const Payload& value, std::function<void()> answered) override {
     if constexpr (std::is_base_of_v<ara::com::internal::proxy::MutableField<Value>, ProxyField>) {
-      answer_ = field_.Set(FromJson<Value>(value));
+      answer_ = field_.Set(common::DeserializeFieldValue<Value>(value.data(), value.size()));
       answer_.then(std::move(answered));
     } else {
       throw std::logic_error("the field has no setter");
     }
   }
 
-  Json TakeAnswer() override {
+  Payload TakeAnswer() override {
     const ara::core::Result<Value> result = answer_.GetResult();
     if (!result) {
       ThrowCallError(result.error());
     }
-    return ToJson(result.value());
+    return Encode(result.value());
   }
 
   void Subscribe(std::function<void()> arrived) override {
@@ -52,11 +52,11 @@ class ProxyFieldClient final : public FieldClient {
     field_.Subscribe(kCacheSize);
   }
 
-  std::vector<Json> TakeSamples() override {
-    std::vector<Json> samples;
+  std::vector<Payload> TakeSamples() override {
+    std::vector<Payload> samples;
     field_.GetNewSamples([this, &samples](auto sample) {
       check_ = sample.GetProfileCheckStatus();
-      samples.push_back(ToJson(*sample));
+      samples.push_back(Encode(*sample));
     });
     return samples;
   }
@@ -65,6 +65,12 @@ class ProxyFieldClient final : public FieldClient {
 
  private:
   using Value = typename ProxyField::FieldType;
+
+  static Payload Encode(const Value& value) {
+    Payload payload;
+    common::SequenceContainerSerializer<Value>(value).pushbackTo(payload);
+    return payload;
+  }
 
   /// What may arrive while a slow reader keeps standard output busy.
   static constexpr std::size_t kCacheSize = 256;

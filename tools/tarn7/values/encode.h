@@ -1,0 +1,12 @@
+#pragma once
+
+#include "tools/tarn7/values/json.h"
+#include "tools/tarn7/values/payload.h"
+
+namespace tarn7::tool {
+
+/// The payload that carries the value which PayloadText writes like that. Throws ValueError, which names the place, for
+/// a wrong type, an unknown member, or a number that does not fit.
+Payload Encode(const ValueType& type, const Json& value);
+
+}  // namespace tarn7::tool
