@@ -37,6 +37,24 @@ ROUTE = {
     "targetSocChargings": [{"member0": 7, "member1": 80}],
 }
 
+# An interface that the library has never seen.
+DOOR = {
+    "name": "door", "role": "consumed", "araServiceId": 7, "serviceId": "0x7001", "version": {"major": 3, "minor": 1},
+    "choice": "that numbers are unsigned",
+    "fields": [{"name": "leaves", "getter": "0x4020", "record": "DT_leaf", "mutable": True},
+               {"name": "bell", "getter": "0x4010", "record": "DT_bell"}],
+    "headers": [{"name": "datatypes", "records": [
+        {"name": "Box", "parameters": ["T"], "members": [{"id": 0, "name": "value", "type": "T"}]},
+        {"name": "DT_leaf", "takenFor": "one of two",
+         "records": [{"name": "Hinge", "members": [{"id": 1, "name": "angle", "type": "int16", "takenFor": "degrees"}]}],
+         "members": [{"id": 0, "name": "open", "type": "bool"},
+                     {"id": 2, "name": "hinges", "type": "Box<sequence<Hinge>>", "choice": "its shape"}]},
+        {"name": "DT_bell", "members": [{"id": 0, "name": "tone", "type": "double"}]}]}],
+}
+LEAVES = [{"open": True, "hinges": {"value": [{"angle": -2}, {}]}}, {}]
+LEAVES_HEX = ("00000023" "0000001b" "000001" "4002" "00000012" "4000" "0000000c"  # open, and as far as the hinges
+              "00000004" "1001fffe" "00000000" "00000000" "\n")
+
 
 def map_of(links, text=""):
     """A psd2 value for each field; the link layer holds that many links with all their members, and the text."""
@@ -170,7 +188,7 @@ class ToolTest(unittest.TestCase):
         self.assertLessEqual({"list", "find", "get", "set", "decode", "encode", "watch", "simulate", "offer", "doctor"},
                              set(self.complete("")))
         for words, offered in ((("de",), ["decode"]),
-                               (("--",), ["--help", "--version"]),
+                               (("--",), ["--help", "--version", "--model"]),
                                (("get", "energysystem/no"), [ADDRESS]),
                                (("get", "--timeout", "5", "--hex", "energysystem/no"), [ADDRESS]),
                                (("get", "--timeout", "en"), []),
@@ -247,6 +265,69 @@ class ToolTest(unittest.TestCase):
         result = run("decode", ADDRESS, "0000000A 00000006", "2000\n0000002a", "ff")
         self.assertEqual((result.stdout, result.returncode), ('[{"member0":42}]\n', 0))
         self.assertEqual(result.stderr, "warning: the value at byte 14: 1 bytes are passed over\n")
+
+    def test_a_model_brings_an_interface_that_the_library_has_never_seen(self):
+        model = ["--model", self.file(json.dumps(DOOR))]
+        # Beside it one that applications provide: it is simulated all the same.
+        gate = {**DOOR, "name": "gate", "role": "provided", "serviceId": "0x7002"}
+        models = [*model, "--model", self.file(json.dumps(gate))]
+        table = run("list", "door", *model).stdout
+        for text in (f"door  consumed  service 0x7001  version 3.1  ara::com id 7  from {model[1]}\n",
+                     "  our choice: that numbers are unsigned\n", "setter 0x4021  event 0xC020  eventgroup 0xC020  DT_leaf\n",
+                     "      taken for: one of two\n", "Box<std::vector<DT_leaf::Hinge>>  our choice: its shape\n",
+                     "angle                       int16  taken for: degrees\n"):
+            self.assertIn(text, table)
+        self.assertEqual(run(*model, "encode", "door/leaves", json.dumps(LEAVES)).stdout, LEAVES_HEX)
+        self.assertEqual(json.loads(run(*model, "decode", "door/leaves", LEAVES_HEX).stdout), LEAVES)
+        for status, message, *arguments in (
+                (4, "[0].hinges.value[0].angle: 32768 does not fit a 16-bit signed integer", "encode", "door/leaves",
+                 '[{"hinges":{"value":[{"angle":32768}]}}]'),
+                (1, "did you mean 'door/bell'?", "get", "door/bel"), (1, "door/bell has no setter", "set", "door/bell", "[]"),
+                (1, "use tarn7 simulate door", "offer", "door", "--values", "/nonexistent"),
+                (1, "use tarn7 simulate gate", "offer", "gate", "--values", "/nonexistent")):
+            result = run(*arguments, *models)
+            self.assertEqual((result.returncode, result.stdout), (status, ""), result.stderr)
+            self.assertIn(message, result.stderr)
+        self.assertIn("no interface 'door'", run("get", "door/bell").stderr)
+
+        simulation = self.start(*models, "simulate", "door", "gate", "--period", "50", "--values",
+                                self.file(json.dumps({"door/leaves": LEAVES})))
+        simulation.wait_for("offering gate", simulation.process.stderr)
+        self.assertEqual(self.run_here("find", "door", "gate", *models).stdout.count(f"instance {self.instance}: found"), 2)
+        self.assertEqual(json.loads(self.run_here("get", "door/leaves", *model).stdout), LEAVES)
+        self.assertEqual(self.run_here("get", "door/leaves", "--hex", *model).stdout, LEAVES_HEX)
+        self.run_here("set", "door/leaves", '[{"opne":true}]', *model, status=4)
+        watch = self.start(*models, "watch", "door", "gate/bell")
+        watch.wait_for('"interface":"gate","field":"bell","value":[{"tone":')
+        self.assertEqual(self.run_here(*model, "set", "door/leaves", '[{"open":false}]').stdout, '[{"open":false}]\n')
+        watch.wait_for('"interface":"door","field":"leaves","value":[{"open":false}]}')
+        self.assertIn("door: 2 values read, 1 set", simulation.end()[1])
+
+        self.assertEqual(self.complete(*model, "get", "door/"), ["door/leaves", "door/bell"])
+        self.assertEqual(self.complete("get", *model, "door/b"), ["door/bell"])
+        self.assertEqual(self.complete("get", "--mo"), ["--model"])
+        with tempfile.TemporaryDirectory() as folder:
+            run("wireshark", folder, *model)
+            self.assertIn('"7001","door"', (Path(folder) / "SOMEIP_service_identifiers").read_text())
+
+    def test_a_model_with_a_mistake_is_refused(self):
+        door = self.file(json.dumps(DOOR))
+        for message, *files in (
+                ("/nonexistent cannot be read: No such file", "/nonexistent"),
+                (f"{Path(door).parent} cannot be read: Is a directory", str(Path(door).parent)),
+                ("/dev/zero is larger than", "/dev/zero"),
+                ("no JSON: parse error at line 1, column 2", self.file("{")),
+                ("headers[0].records[2].members[0].type: no type 'duoble'; did you mean double?",
+                 self.file(json.dumps(DOOR).replace('"double"', '"duoble"'))),
+                ("name: there is an interface energysystem, which the library has",
+                 self.file(json.dumps({**DOOR, "name": "energysystem"}))),
+                ("serviceId: it is that of energysystem", self.file(json.dumps({**DOOR, "serviceId": "0x6005"}))),
+                (f"name: there is an interface door, which is from {door}", door, door)):
+            with self.subTest(message=message):
+                result = run("list", *(word for file in files for word in ("--model", file)))
+                self.assertEqual((result.returncode, result.stdout), (1, ""), result.stderr)
+                self.assertTrue(result.stderr.startswith(f"tarn7: {files[-1]}"), result.stderr)
+                self.assertIn(message, result.stderr)
 
     def test_get(self):
         self.simulate("energysystem", values=VALUES)
