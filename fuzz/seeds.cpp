@@ -9,16 +9,13 @@
 #include <vector>
 
 #include "fuzz/fields.h"
-#include "serialization/serializer.h"
 #include "tests/support/hex.h"
-#include "tools/tarn7/model/value_type.h"
-#include "tools/tarn7/values/from_json.h"
-#include "tools/tarn7/values/json.h"
+#include "tools/tarn7/model/interface_table.h"
 #include "tools/tarn7/values/moving_value.h"
+#include "tools/tarn7/values/payload_text.h"
 
 namespace {
 
-namespace common = ara::com::internal::vsomeip::common;
 namespace fs = std::filesystem;
 using Bytes = std::vector<unsigned char>;
 
@@ -89,13 +86,12 @@ void WriteFieldValues(const fs::path& source, const fs::path& target) {
   const auto json_lines = Lines(source / "json.txt");
   tarn7::tool::ValueSource values;
   std::size_t number = 0;
-  fuzz::ForEachField([&](const std::string&, auto field) {
-    using Value = typename decltype(field)::ValueType;
-    const auto value = values.First(tarn7::tool::DescribeType<Value>());
-    json.Add(Chosen(number, BytesOf(tarn7::tool::ToText(value))));
-    Bytes bytes;
-    common::SequenceContainerSerializer<Value>(tarn7::tool::FromJson<Value>(value)).pushbackTo(bytes);
-    decoder.Add(Chosen(number, bytes));
+  const tarn7::tool::InterfaceTable interfaces;
+  fuzz::ForEachField([&](const std::string& address, auto) {
+    const tarn7::tool::ValueType& type = *interfaces.FindAddress(address).field->type;
+    const Bytes value = values.First(type);
+    json.Add(Chosen(number, BytesOf(tarn7::tool::PayloadText(type, value))));
+    decoder.Add(Chosen(number, value));
     for (const std::string& line : hex_lines) {
       decoder.Add(Chosen(number, support::Bytes(line)));
     }
@@ -103,6 +99,13 @@ void WriteFieldValues(const fs::path& source, const fs::path& target) {
   });
   for (const std::string& line : json_lines) {
     json.Add(BytesOf(line));
+  }
+}
+
+void WriteModels(const fs::path& target) {
+  Folder folder(target / "model");
+  for (const std::string_view model : tarn7::tool::BuiltInModels()) {
+    folder.Add(BytesOf(std::string(model)));
   }
 }
 
@@ -117,6 +120,7 @@ int main(int argc, char** argv) {
     const fs::path source(argv[1]);
     const fs::path target(argv[2]);
     WriteFieldValues(source, target);
+    WriteModels(target);
     Folder error_code(target / "error_code");
     for (const std::string& line : Lines(source / "error_code.hex")) {
       error_code.Add(support::Bytes(line));

@@ -43,7 +43,8 @@ TEST(Model, AMistakeIsRefusedWithItsPlace) {
       {"{}", "version: this member is required"},
       {std::string(kHead) + R"("feilds":[]})", "feilds: no such member; did you mean fields?"},
       {R"({"name":"a b","version":{"major":1,"minor":0}})", "name: \"a b\" is no name"},
-      {R"({"name":"a","version":{"major":1,"minor":0},"role":"server"})", "role: expected \"consumed\" or \"provided\""},
+      {R"({"name":"a","version":{"major":1,"minor":0},"role":"server"})",
+       "role: expected \"consumed\" or \"provided\""},
       {R"({"name":"a","version":{"major":255,"minor":0},"role":"consumed","araServiceId":1,"serviceId":"0x1"})",
        "serviceId: \"0x1\" is no id from \"0x0001\" to \"0xfffe\""},
       {R"({"name":"a","version":{"major":255,"minor":0},"role":"consumed","araServiceId":1,"serviceId":"0x1000"})",
@@ -77,7 +78,7 @@ TEST(Model, AMistakeIsRefusedWithItsPlace) {
       // Shapes that expand without end: by depth, by name, by number of parts.
       {WithType("S<bool>", R"(,{"name":"S","parameters":["T"],"members":[{"id":0,"name":"t","type":"S<Q<T>>"}]},)"
                            R"({"name":"Q","parameters":["T"],"members":[{"id":0,"name":"t","type":"T"}]})"),
-       "types nest more than 64 deep; does S expand without end?"},
+       "types nest more than 64 deep; does Q expand without end?"},
       {WithType("S<bool>", R"(,{"name":"S","parameters":["T"],"members":[{"id":0,"name":"t","type":"S<P<T,T>>"}]},)"
                            R"({"name":"P","parameters":["T","U"],"members":[{"id":0,"name":"t","type":"T"}]})"),
        "expands to a name of more than 1000 characters"},
@@ -88,13 +89,16 @@ TEST(Model, AMistakeIsRefusedWithItsPlace) {
       {WithType(std::string(2000, 'x')), "a name of more than 1000 characters"},
       {WithType("uint8", R"(,{"name":"R","members":[]})"), "headers[0].records[1].name: R is at headers[0].records[0]"},
       {WithType("uint8", R"(,{"name":"Q","members":[]})"), "headers[0].records[1]: a record has members"},
-      {WithType("uint8", R"(,{"name":"Q","members":[],"is":"R"})"), "records[1]: expected one of members, alias and is"},
+      {WithType("uint8", R"(,{"name":"Q","members":[],"is":"R"})"),
+       "records[1]: expected one of members, alias and is"},
       {WithType("uint8", R"(,{"name":"uint8","alias":"bool"})"), "records[1].name: uint8 is a type of its own"},
       {WithType("uint8", R"(,{"name":"Q","members":[{"id":4096,"name":"a","type":"bool"}]})"),
        "headers[0].records[1].members[0].id: 4096 is no data id from 0 to 4095"},
-      {WithType("uint8", R"(,{"name":"Q","members":[{"id":1,"name":"a","type":"bool"},{"id":1,"name":"b","type":"bool"}]})"),
+      {WithType("uint8",
+                R"(,{"name":"Q","members":[{"id":1,"name":"a","type":"bool"},{"id":1,"name":"b","type":"bool"}]})"),
        "headers[0].records[1].members[1].id: 1 is that of a"},
-      {WithType("uint8", R"(,{"name":"Q","members":[{"id":1,"name":"a","type":"bool"},{"id":2,"name":"a","type":"bool"}]})"),
+      {WithType("uint8",
+                R"(,{"name":"Q","members":[{"id":1,"name":"a","type":"bool"},{"id":2,"name":"a","type":"bool"}]})"),
        "headers[0].records[1].members[1].name: a is another member's, too"},
       {WithType("uint8", R"(,{"name":"Q","members":[{"id":1,"name":"a","type":"bool","takenFor":"\u001b[2J"}]})"),
        "headers[0].records[1].members[0].takenFor: control characters have no place in a text"}};
@@ -104,9 +108,9 @@ TEST(Model, AMistakeIsRefusedWithItsPlace) {
 }
 
 TEST(Model, NamesAreLookedUpFromTheInsideOut) {
-  const Interface interface = ReadModel(Model(
-      R"([{"name":"state","getter":"0x4010","record":"Outer","mutable":true}])",
-      R"([{"name":"Box","parameters":["T"],"members":[{"id":0,"name":"value","type":"T"}]},
+  const Interface interface =
+      ReadModel(Model(R"([{"name":"state","getter":"0x4010","record":"Outer","mutable":true}])",
+                      R"([{"name":"Box","parameters":["T"],"members":[{"id":0,"name":"value","type":"T"}]},
           {"name":"Boxes","parameters":["T"],"alias":"Box<sequence<T>>"},
           {"name":"Inner","members":[{"id":0,"name":"outside","type":"bool"}]},
           {"name":"Outer","takenFor":"a door","records":[

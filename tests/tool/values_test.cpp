@@ -53,8 +53,7 @@ TEST(Values, EveryKindOfMemberKeepsItsValueAndItsPlace) {
   EXPECT_EQ(PayloadText(Everything(), Encoded("[{},{}]")), "[{},{}]");
   Json twice = Json::parse(kEverything);
   twice.push_back(twice.front());
-  EXPECT_EQ(Outline(Everything(), Encode(Everything(), twice)),
-            "2 records, member7: 4, member4095: 2, 6 elements");
+  EXPECT_EQ(Outline(Everything(), Encode(Everything(), twice)), "2 records, member7: 4, member4095: 2, 6 elements");
   EXPECT_EQ(Outline(Everything(), Encoded("[{}]")), "1 record");
 }
 
@@ -111,9 +110,13 @@ TEST(Values, FloatsHaveTheDigitsThatIdentifyThem) {
 TEST(Values, BytesOfTheNetworkAreShownWhateverTheyAre) {
   const auto text = [](const char* bytes) { return PayloadText(Everything(), support::Bytes(bytes)); };
   EXPECT_EQ(text("00000007 00000003 0000 02"), R"([{"member0":true}])");
-  EXPECT_EQ(text("0000000D 00000009 4005 00000003 61FF62"), "[{\"member5\":\"a\xEF\xBF\xBD" "b\"}]");
+  EXPECT_EQ(text("0000000D 00000009 4005 00000003 61FF62"),
+            "[{\"member5\":\"a\xEF\xBF\xBD"
+            "b\"}]");
   EXPECT_EQ(text("00000007 00000003 0004 FF"), R"([{"member4":255}])");
-  EXPECT_EQ(text("0000000B 00000007 1001 FFFE 00" "04 00"), R"([{"member1":-2,"member4":0}])");
+  EXPECT_EQ(text("0000000B 00000007 1001 FFFE 00"
+                 "04 00"),
+            R"([{"member1":-2,"member4":0}])");
   // The later one of two, in the record's order.
   EXPECT_EQ(text("0000000D 00000009 0004 01 0000 01 0004 02"), R"([{"member0":true,"member4":2}])");
 }

@@ -1,7 +1,8 @@
+#include "tools/tarn7/values/encode.h"
+
 #include <nlohmann/json.hpp>
 
 #include "tools/tarn7/commands/commands.h"
-#include "tools/tarn7/values/encode.h"
 
 namespace tarn7::tool {
 

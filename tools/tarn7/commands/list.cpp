@@ -44,7 +44,8 @@ std::vector<Selection> Select(const InterfaceTable& interfaces, const std::vecto
 }
 
 void AddRemarks(Json& json, const Remarks& remarks) {
-  for (const auto& [name, text] : {std::pair("takenFor", &remarks.taken_for), {"unit", &remarks.unit}, {"choice", &remarks.choice}}) {
+  for (const auto& [name, text] :
+       {std::pair("takenFor", &remarks.taken_for), {"unit", &remarks.unit}, {"choice", &remarks.choice}}) {
     if (!text->empty()) {
       json[name] = *text;
     }
@@ -113,9 +114,8 @@ std::string Hex(std::uint16_t id) {
 /// "taken for: ratio; our choice: that it is a float", or nothing.
 std::string ToText(const Remarks& remarks) {
   std::string text;
-  for (const auto& [name, remark] : {std::pair("taken for: ", &remarks.taken_for),
-                                     {"unit: ", &remarks.unit},
-                                     {"our choice: ", &remarks.choice}}) {
+  for (const auto& [name, remark] :
+       {std::pair("taken for: ", &remarks.taken_for), {"unit: ", &remarks.unit}, {"our choice: ", &remarks.choice}}) {
     if (!remark->empty()) {
       text += (text.empty() ? "" : "; ") + (name + *remark);
     }

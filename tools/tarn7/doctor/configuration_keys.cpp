@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <set>
 
-#include "tools/tarn7/build_info.h"
 #include <nlohmann/json.hpp>
 
+#include "tools/tarn7/build_info.h"
 #include "tools/tarn7/doctor/stack_configuration.h"
 #include "tools/tarn7/values/nearest.h"
 

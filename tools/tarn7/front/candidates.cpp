@@ -110,7 +110,8 @@ std::vector<std::string> Candidates(const CLI::App& tool, const InterfaceTable& 
   } else if (command == &tool) {
     candidates = CommandNames(tool);
   } else {
-    candidates = ArgumentsOf(tool, *command, interfaces, {words.begin() + static_cast<std::ptrdiff_t>(name) + 1, words.end()});
+    candidates =
+        ArgumentsOf(tool, *command, interfaces, {words.begin() + static_cast<std::ptrdiff_t>(name) + 1, words.end()});
   }
   candidates.erase(
       std::remove_if(candidates.begin(), candidates.end(),

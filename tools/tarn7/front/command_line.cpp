@@ -61,8 +61,8 @@ void AddReplay(CLI::App& command, ReplayOptions& options) {
 
 void AddList(CLI::App& tool, Request& request) {
   CLI::App* command = nullptr;
-  auto& options = AddCommand(tool, request, command, "list",
-                             "Show interfaces, fields, identifiers and record members", &List);
+  auto& options =
+      AddCommand(tool, request, command, "list", "Show interfaces, fields, identifiers and record members", &List);
   command->add_option("TARGET", options.targets, kTargets);
   command->add_flag("--json", options.as_json, "As JSON instead of a table");
   command->footer("Example:\n  tarn7 list psd2/laneLayer");
@@ -127,9 +127,9 @@ void AddEncode(CLI::App& tool, Request& request) {
 
 void AddWatch(CLI::App& tool, Request& request) {
   CLI::App* command = nullptr;
-  auto& options = AddCommand(tool, request, command, "watch",
-                             "Follow fields: in a live table on a terminal, else with a JSON line for each sample",
-                             &Watch);
+  auto& options =
+      AddCommand(tool, request, command, "watch",
+                 "Follow fields: in a live table on a terminal, else with a JSON line for each sample", &Watch);
   command->add_option("TARGET", options.targets, kTargets)->required();
   AddInstance(*command, options);
   command->add_option("--count", options.count, "End after N samples; without it Ctrl-C ends the command")
@@ -146,8 +146,8 @@ void AddWatch(CLI::App& tool, Request& request) {
 
 void AddSimulate(CLI::App& tool, Request& request) {
   CLI::App* command = nullptr;
-  auto& options = AddCommand(tool, request, command, "simulate",
-                             "Offer interfaces as a vehicle would, until Ctrl-C", &Simulate);
+  auto& options =
+      AddCommand(tool, request, command, "simulate", "Offer interfaces as a vehicle would, until Ctrl-C", &Simulate);
   command->add_option("INTERFACE", options.interfaces, "What to offer")->required();
   AddInstance(*command, options);
   command->add_option("--period", options.period, "Time between two values; 1000 if not given")

@@ -96,8 +96,9 @@ Interface ReadModel(std::string_view text) {
   constexpr std::uint32_t kLastMinor = 0xFFFFFFFE;
   const Json model = ParseJson(text, "no JSON");
   const Place whole;
-  RequireMembersAmong(model, {"$schema", "name", "class", "role", "brief", "choice", "araServiceId", "serviceId",
-                              "version", "metaModelPath", "example", "fields", "checkOrder", "headers"},
+  RequireMembersAmong(model,
+                      {"$schema", "name", "class", "role", "brief", "choice", "araServiceId", "serviceId", "version",
+                       "metaModelPath", "example", "fields", "checkOrder", "headers"},
                       whole);
   const auto member = [&model, &whole](const char* name) -> const Json& { return RequiredMember(model, name, whole); };
   const Place versionPlace(whole, "version");
@@ -106,7 +107,7 @@ Interface ReadModel(std::string_view text) {
   const auto part = [&version, &versionPlace](const char* name, std::uint64_t last) {
     return NumberUpTo(last, RequiredMember(version, name, versionPlace), 32, Place(versionPlace, name));
   };
-  Interface interface{};
+  Interface interface {};
   interface.name = NameFromJson(member("name"), Place(whole, "name"));
   interface.role = RoleFromJson(member("role"), Place(whole, "role"));
   interface.ara_service_id =

@@ -136,7 +136,8 @@ void TypeMaker::Declare(const Json& headers, const Place& place) {
   for (std::size_t i = 0; i < headers.size(); ++i) {
     const Place header(place, i);
     RequireMembersAmong(headers[i], {"name", "brief", "records"}, header);
-    for (auto& declaration : ReadDeclarations(RequiredMember(headers[i], "records", header), Place(header, "records"), 1)) {
+    for (auto& declaration :
+         ReadDeclarations(RequiredMember(headers[i], "records", header), Place(header, "records"), 1)) {
       for (const auto& known : declarations_) {
         if (known->name == declaration->name) {
           Place().Fail(declaration->path + ".name: " + declaration->name + " is at " + known->path + ", too");

@@ -66,7 +66,8 @@ std::string RecordingLine(const FieldAddress& address, const Payload& value,
                           std::chrono::system_clock::time_point time) {
   const std::chrono::duration<double> seconds =
       std::chrono::time_point_cast<std::chrono::microseconds>(time).time_since_epoch();
-  std::string line = ToText({{kTime, seconds.count()}, {kInterface, address.interface->name}, {kField, address.field->name}});
+  std::string line =
+      ToText({{kTime, seconds.count()}, {kInterface, address.interface->name}, {kField, address.field->name}});
   line.pop_back();  // the closing brace
   return line + ",\"" + kValue + "\":" + PayloadText(*address.field->type, value) + '}';
 }

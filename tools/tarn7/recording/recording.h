@@ -17,7 +17,8 @@ struct RecordedSample {
 };
 
 /// A line of a recording, and of what `watch` writes. Throws PayloadError for what is no value of the field.
-std::string RecordingLine(const FieldAddress& address, const Payload& value, std::chrono::system_clock::time_point time);
+std::string RecordingLine(const FieldAddress& address, const Payload& value,
+                          std::chrono::system_clock::time_point time);
 
 /// Reads the lines that are of the interfaces of `fields`, from a file or, where `path` is "-", from standard input up
 /// to its end. Throws ValueError, which names the line, for what is no line of a recording.

@@ -71,8 +71,7 @@ void SimulatedService::AnswerGetter(std::size_t field, const Message& request) {
 void SimulatedService::AnswerSetter(std::size_t field, const Message& request) {
   const auto payload = request->get_payload();
   try {
-    CheckPayload(*interface_.fields[field].type,
-                 {payload->get_data(), payload->get_data() + payload->get_length()});
+    CheckPayload(*interface_.fields[field].type, {payload->get_data(), payload->get_data() + payload->get_length()});
   } catch (const PayloadError& error) {
     std::cerr << interface_.name << '/' << interface_.fields[field].name << ": refused to set: " << error.what()
               << std::endl;

@@ -118,7 +118,8 @@ void StackFieldClient::Subscribe(std::function<void()> arrived) {
           std::cerr << name + ": the subscription was refused\n";
         }
       });
-  application->subscribe(interface.service_id, service_.Instance(), field_.eventgroup, interface.major_version, field_.event);
+  application->subscribe(interface.service_id, service_.Instance(), field_.eventgroup, interface.major_version,
+                         field_.event);
 }
 
 std::vector<Payload> StackFieldClient::TakeSamples() {

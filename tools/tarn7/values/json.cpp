@@ -105,8 +105,8 @@ void AppendString(std::string& text, std::string_view string) {
 // The JSON library's own writer does not always find the fewest digits.
 void AppendNumber(std::string& text, double number) {
   char digits[32];
-  const std::string_view written(digits, static_cast<std::size_t>(
-                                             std::to_chars(digits, digits + sizeof(digits), number).ptr - digits));
+  const std::string_view written(
+      digits, static_cast<std::size_t>(std::to_chars(digits, digits + sizeof(digits), number).ptr - digits));
   text += written;
   if (written.find_first_of(".e") == std::string_view::npos) {
     text += ".0";

@@ -136,7 +136,9 @@ const Json& RequiredMember(const Json& object, const char* name, const Place& pl
 
 const std::string& NameFromJson(const Json& json, const Place& place) {
   const std::string& name = StringFromJson(json, place);
-  const auto isPart = [](unsigned char letter) { return letter < 0x80 && (std::isalnum(letter) != 0 || letter == '_'); };
+  const auto isPart = [](unsigned char letter) {
+    return letter < 0x80 && (std::isalnum(letter) != 0 || letter == '_');
+  };
   if (name.empty() || std::isdigit(static_cast<unsigned char>(name.front())) != 0 ||
       !std::all_of(name.begin(), name.end(), isPart)) {
     place.Fail(Summary(json) + " is no name: letters, digits and underscores, of which the first is no digit");

@@ -35,10 +35,9 @@ void AppendFloat(std::string& text, std::uint64_t number) {
 void AppendInteger(std::string& text, const ValueType& type, std::uint64_t number) {
   char digits[24];
   const unsigned unused = 64 - 8 * static_cast<unsigned>(type.size);
-  const auto end = type.is_signed
-                       ? std::to_chars(digits, digits + sizeof(digits),
-                                       static_cast<std::int64_t>(number << unused) >> unused)
-                       : std::to_chars(digits, digits + sizeof(digits), number);
+  const auto end = type.is_signed ? std::to_chars(digits, digits + sizeof(digits),
+                                                  static_cast<std::int64_t>(number << unused) >> unused)
+                                  : std::to_chars(digits, digits + sizeof(digits), number);
   text.append(digits, end.ptr);
 }
 
@@ -105,8 +104,7 @@ void AppendValue(std::string& text, const ValueType& type, const Extent& value) 
 std::size_t CountElements(const ValueType& type, const Extent& value) {
   std::size_t count = 0;
   if (type.kind == Kind::kSequence) {
-    ForEachElement(type, value,
-                   [&](const Extent& element) { count += 1 + CountElements(*type.element, element); });
+    ForEachElement(type, value, [&](const Extent& element) { count += 1 + CountElements(*type.element, element); });
   } else if (type.kind == Kind::kRecord) {
     const std::vector<Extent> members = MembersOf(*type.record, value);
     for (std::size_t i = 0; i < members.size(); ++i) {

@@ -112,7 +112,8 @@ class ProfileBuilder {
       case ValueType::Kind::kString:
         return string_;
       case ValueType::Kind::kBytes:
-        return Array(Describe(*type.element, name, path), type.size, type.size == 0 ? kAnyNumber : type.size, name, path);
+        return Array(Describe(*type.element, name, path), type.size, type.size == 0 ? kAnyNumber : type.size, name,
+                     path);
       case ValueType::Kind::kSequence:
         return Array(Describe(*type.element, name, path), 0, kAnyNumber, name, path);
       case ValueType::Kind::kRecord:
