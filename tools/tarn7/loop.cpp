@@ -3,27 +3,37 @@
 #include <csignal>
 #include <utility>
 
+#include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
+#include <boost/asio/signal_set.hpp>
 
 namespace tarn7::tool {
 
-Loop::Loop() : signals_(context_, SIGINT, SIGTERM) {
-  signals_.async_wait([this](const boost::system::error_code& error, int signal) {
+struct Loop::State {
+  boost::asio::io_context context;
+  boost::asio::signal_set signals{context, SIGINT, SIGTERM};
+  int signal = 0;  // the one that arrived
+};
+
+Loop::Loop() : state_(std::make_unique<State>()) {
+  state_->signals.async_wait([state = state_.get()](const boost::system::error_code& error, int signal) {
     if (!error) {
-      signal_ = signal;
+      state->signal = signal;
     }
   });
 }
 
-void Loop::Post(std::function<void()> job) { boost::asio::post(context_, std::move(job)); }
+Loop::~Loop() = default;
+
+void Loop::Post(std::function<void()> job) { boost::asio::post(state_->context, std::move(job)); }
 
 bool Loop::RunUntil(TimePoint deadline, const std::function<bool()>& done) {
   while (!done()) {
-    if (signal_ != 0) {
-      throw Interrupted{signal_};
+    if (state_->signal != 0) {
+      throw Interrupted{state_->signal};
     }
-    context_.restart();
-    if (context_.run_one_until(deadline) == 0 && Clock::now() >= deadline) {
+    state_->context.restart();
+    if (state_->context.run_one_until(deadline) == 0 && Clock::now() >= deadline) {
       return false;
     }
   }

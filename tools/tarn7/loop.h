@@ -2,9 +2,7 @@
 
 #include <chrono>
 #include <functional>
-
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/signal_set.hpp>
+#include <memory>
 
 namespace tarn7::tool {
 
@@ -24,6 +22,7 @@ class Loop {
 
   /// From here on SIGINT and SIGTERM no longer end the process.
   Loop();
+  ~Loop();
   Loop(const Loop&) = delete;
   Loop& operator=(const Loop&) = delete;
 
@@ -34,9 +33,9 @@ class Loop {
   bool RunUntil(TimePoint deadline, const std::function<bool()>& done);
 
  private:
-  boost::asio::io_context context_;
-  boost::asio::signal_set signals_;
-  int signal_ = 0;  // the one that arrived
+  struct State;  // keeps Boost.Asio, which takes long to compile, out of whoever waits
+
+  std::unique_ptr<State> state_;
 };
 
 }  // namespace tarn7::tool

@@ -2,8 +2,6 @@
 #include <cctype>
 #include <iostream>
 
-#include <nlohmann/json.hpp>
-
 #include "tools/tarn7/commands/commands.h"
 #include "tools/tarn7/error.h"
 #include "tools/tarn7/values/json_checks.h"

@@ -2,7 +2,6 @@
 #include <dlfcn.h>
 #include <filesystem>
 
-#include <nlohmann/json.hpp>
 #include <vsomeip/vsomeip.hpp>
 
 #include "tools/tarn7/build_info.h"
@@ -43,11 +42,7 @@ Findings Examine(const InterfaceTable& interfaces, std::chrono::milliseconds tim
 void Doctor(const Context& context, const DoctorOptions& options) {
   const Findings findings = Examine(context.interfaces, std::chrono::milliseconds(options.timeout));
   if (options.as_json) {
-    Json array = Json::array();
-    for (const Finding& finding : findings) {
-      array.push_back(ToJson(finding));
-    }
-    context.output.WriteLine(ToText(array));
+    context.output.WriteLine(ToJsonText(findings));
   } else {
     for (const Finding& finding : findings) {
       context.output.WriteLine(ToText(finding));

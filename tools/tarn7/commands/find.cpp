@@ -2,12 +2,9 @@
 #include <iostream>
 #include <set>
 
-#include <nlohmann/json.hpp>
-
 #include "tools/tarn7/commands/commands.h"
 #include "tools/tarn7/error.h"
 #include "tools/tarn7/stack/instance_search.h"
-#include "tools/tarn7/values/json.h"
 
 namespace tarn7::tool {
 
@@ -54,11 +51,11 @@ class Finder {
       ++count_;
     }
     if (options_.as_json) {
-      Json line = {{"interface", interface.name}, {"instance", change.instance}, {"found", change.found}};
-      if (change.found) {
-        line["rightVersion"] = change.has_right_version;
-      }
-      output_.WriteLine(ToText(line));
+      const auto text = [](bool value) { return value ? "true" : "false"; };
+      std::string line = R"({"interface":")" + interface.name + R"(","instance":)" + std::to_string(change.instance);
+      line += std::string(R"(,"found":)") + text(change.found);
+      line += change.found ? std::string(R"(,"rightVersion":)") + text(change.has_right_version) : "";
+      output_.WriteLine(line + '}');
       return;
     }
     std::string line = interface.name + ", instance " + std::to_string(change.instance);

@@ -5,8 +5,6 @@
 #include <optional>
 #include <unistd.h>
 
-#include <nlohmann/json.hpp>
-
 #include "tools/tarn7/commands/common.h"
 #include "tools/tarn7/error.h"
 #include "tools/tarn7/library/offered_service.h"
@@ -38,7 +36,7 @@ class Offer {
   void ReadLine(std::string_view line, std::size_t number) {
     const std::string source = "line " + std::to_string(number);
     try {
-      Update(ReadFieldValues(ParseJson(line, source), source, fields_));
+      Update(ReadFieldValues(line, source, fields_));
     } catch (const std::exception& error) {
       std::cerr << std::string("passed over: ") + error.what() + '\n' << std::flush;
     }

@@ -1,7 +1,5 @@
 #include <memory>
 
-#include <nlohmann/json.hpp>
-
 #include "tools/tarn7/client/call.h"
 #include "tools/tarn7/commands/common.h"
 #include "tools/tarn7/error.h"
@@ -17,7 +15,7 @@ void Set(const Context& context, const SetOptions& options) {
     throw CommandError(Status::kUsage, address.ToString() + " has no setter: it can only be read");
   }
   // A wrong value is refused before anything goes on the network.
-  const Payload value = Encode(type, ReadJsonArgument(options.value));
+  const Payload value = EncodeArgument(type, options.value);
   Loop loop;
   const auto service = MakeServiceClient(loop, *address.interface, options.instance);
   const auto field = service->Connect(*address.field);

@@ -4,6 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "tools/tarn7/values/json.h"
+
 namespace tarn7::tool {
 
 namespace {
@@ -40,12 +42,16 @@ std::string ToText(const Finding& finding) {
   return finding.remedy.empty() ? text : text + " -> " + finding.remedy;
 }
 
-Json ToJson(const Finding& finding) {
-  Json json = {{"level", Name(finding.level)}, {"check", finding.check}, {"text", finding.text}};
-  if (!finding.remedy.empty()) {
-    json["remedy"] = finding.remedy;
+std::string ToJsonText(const Findings& findings) {
+  Json array = Json::array();
+  for (const Finding& finding : findings) {
+    Json json = {{"level", Name(finding.level)}, {"check", finding.check}, {"text", finding.text}};
+    if (!finding.remedy.empty()) {
+      json["remedy"] = finding.remedy;
+    }
+    array.push_back(std::move(json));
   }
-  return json;
+  return ToText(array);
 }
 
 }  // namespace tarn7::tool

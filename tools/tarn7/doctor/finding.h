@@ -3,8 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "tools/tarn7/values/json.h"
-
 namespace tarn7::tool {
 
 /// What one check found, and what to do about it.
@@ -25,6 +23,7 @@ using Findings = std::vector<Finding>;
 
 /// On one line: "problem  unicast: ... -> ...".
 std::string ToText(const Finding& finding);
-Json ToJson(const Finding& finding);
+/// A JSON array of them, on one line.
+std::string ToJsonText(const Findings& findings);
 
 }  // namespace tarn7::tool

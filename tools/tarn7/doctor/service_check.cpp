@@ -1,5 +1,6 @@
 #include <map>
 #include <set>
+#include <stdexcept>
 
 #include "tools/tarn7/doctor/checks.h"
 #include "tools/tarn7/stack/instance_search.h"

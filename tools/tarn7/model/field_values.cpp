@@ -6,11 +6,13 @@
 
 #include "tools/tarn7/error.h"
 #include "tools/tarn7/values/encode.h"
+#include "tools/tarn7/values/json.h"
 #include "tools/tarn7/values/nearest.h"
 
 namespace tarn7::tool {
 
-FieldValues ReadFieldValues(const Json& json, const std::string& source, const std::vector<FieldAddress>& fields) {
+FieldValues ReadFieldValues(std::string_view text, const std::string& source, const std::vector<FieldAddress>& fields) {
+  const Json json = ParseJson(text, source);
   std::vector<std::string> names;
   for (const FieldAddress& address : fields) {
     names.push_back(address.field->name);
@@ -37,7 +39,7 @@ FieldValues ReadFieldValues(const Json& json, const std::string& source, const s
 }
 
 FieldValues ReadFieldValuesFile(const std::string& path, const std::vector<FieldAddress>& fields) {
-  return ReadFieldValues(ParseJsonFile(path), path == "-" ? "standard input" : path, fields);
+  return ReadFieldValues(ReadText(path), path == "-" ? "standard input" : path, fields);
 }
 
 }  // namespace tarn7::tool

@@ -101,4 +101,8 @@ Payload Encode(const ValueType& type, const Json& value) {
   return encoder.Take();
 }
 
+Payload EncodeArgument(const ValueType& type, const std::string& argument) {
+  return Encode(type, argument == "-" ? ParseJsonFile("-") : ParseJson(argument, "JSON"));
+}
+
 }  // namespace tarn7::tool

@@ -82,10 +82,6 @@ Json ParseJson(std::string_view text, const std::string& source) {
 
 Json ParseJsonFile(const std::string& path) { return ParseJson(ReadText(path), path == "-" ? "standard input" : path); }
 
-Json ReadJsonArgument(const std::string& argument) {
-  return argument == "-" ? ParseJsonFile("-") : ParseJson(argument, "JSON");
-}
-
 std::string ToText(const Json& json) {
   std::string text;
   AppendTo(text, json);

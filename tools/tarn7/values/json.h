@@ -19,8 +19,6 @@ std::string ReadText(const std::string& path);
 Json ParseJson(std::string_view text, const std::string& source);
 /// Reads a file, or standard input where `path` is "-". Throws ValueError where it cannot be read.
 Json ParseJsonFile(const std::string& path);
-/// JSON as it stands on a command line; "-" stands for standard input.
-Json ReadJsonArgument(const std::string& argument);
 
 /// On one line. Bytes in a string that are no UTF-8 are shown as U+FFFD, so such a string cannot be read back.
 std::string ToText(const Json& json);

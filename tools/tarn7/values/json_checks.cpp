@@ -80,7 +80,10 @@ std::vector<std::uint8_t> BytesFromHex(const Json& json, const Place& place) {
   if (!json.is_string()) {
     FailType("bytes as a string of hex digits", json, place);
   }
-  const auto& text = json.get_ref<const std::string&>();
+  return BytesFromHex(json.get_ref<const std::string&>(), place);
+}
+
+std::vector<std::uint8_t> BytesFromHex(const std::string& text, const Place& place) {
   if (text.size() % 2 != 0) {
     place.Fail("bytes need two hex digits each, found " + std::to_string(text.size()) + " digits");
   }

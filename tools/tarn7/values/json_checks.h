@@ -20,6 +20,7 @@ const std::string& StringFromJson(const Json& json, const Place& place);
 std::uint64_t IntegerFromJson(const Json& json, std::size_t bits, bool isSigned, const Place& place);
 /// Hex digits in either case, two per byte.
 std::vector<std::uint8_t> BytesFromHex(const Json& json, const Place& place);
+std::vector<std::uint8_t> BytesFromHex(const std::string& text, const Place& place);
 /// A number, or "NaN", "Infinity", "-Infinity".
 double NumberFromJson(const Json& json, const Place& place);
 void RequireArray(const Json& json, const Place& place);
