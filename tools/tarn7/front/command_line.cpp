@@ -22,16 +22,22 @@ constexpr const char* kModel = "--model";
 constexpr const char* kField = "The field, as INTERFACE/FIELD";
 constexpr const char* kTargets = "INTERFACE/FIELD, or INTERFACE for all of its fields; any mix of them";
 
-/// A command that runs `run` with what its options left in the returned structure.
 template <typename Options>
-Options& AddCommand(CLI::App& tool, Request& request, CLI::App*& command, const char* name, const char* description,
-                    void (*run)(const Context&, const Options&)) {
+struct Added {
+  CLI::App* command;
+  Options& options;
+};
+
+/// A command that runs `run` with what its options left in the structure.
+template <typename Options>
+Added<Options> AddCommand(CLI::App& tool, Request& request, const char* name, const char* description,
+                          void (*run)(const Context&, const Options&)) {
   const auto options = std::make_shared<Options>();
-  command = tool.add_subcommand(name, description);
+  auto* const command = tool.add_subcommand(name, description);
   command->callback([&request, options, run] {
     request.command = [options, run](const Context& context) { run(context, *options); };
   });
-  return *options;
+  return {command, *options};
 }
 
 CLI::Option* AddInstance(CLI::App& command, ServiceOptions& options) {
@@ -60,22 +66,20 @@ void AddReplay(CLI::App& command, ReplayOptions& options) {
 }
 
 void AddList(CLI::App& tool, Request& request) {
-  CLI::App* command = nullptr;
-  auto& options =
-      AddCommand(tool, request, command, "list", "Show interfaces, fields, identifiers and record members", &List);
+  const auto& [command, options] =
+      AddCommand(tool, request, "list", "Show interfaces, fields, identifiers and record members", &List);
   command->add_option("TARGET", options.targets, kTargets);
   command->add_flag("--json", options.as_json, "As JSON instead of a table");
   command->footer("Example:\n  tarn7 list psd2/laneLayer");
 }
 
 void AddFind(CLI::App& tool, Request& request) {
-  CLI::App* command = nullptr;
-  auto& options =
-      AddCommand(tool, request, command, "find", "Show which instances of the services are offered now", &Find);
+  const auto& [command, options] =
+      AddCommand(tool, request, "find", "Show which instances of the services are offered now", &Find);
   command->add_option("INTERFACE", options.interfaces, "What to look for; all interfaces if not given");
   AddInstance(*command, options)
       ->description("Only this instance, and no longer than until it is found")
-      ->each([&options](const std::string&) { options.has_instance = true; });
+      ->each([&given = options.has_instance](const std::string&) { given = true; });
   auto* const timeout = AddTimeout(*command, options, "How long to look; 2000 if not given");
   command->add_flag("--follow", options.follow, "Go on until Ctrl-C, and show what comes and goes")->excludes(timeout);
   command->add_flag("--json", options.as_json, "A JSON object on each line");
@@ -83,8 +87,7 @@ void AddFind(CLI::App& tool, Request& request) {
 }
 
 void AddGet(CLI::App& tool, Request& request) {
-  CLI::App* command = nullptr;
-  auto& options = AddCommand(tool, request, command, "get", "Read a field and print its value", &Get);
+  const auto& [command, options] = AddCommand(tool, request, "get", "Read a field and print its value", &Get);
   command->add_option("FIELD", options.address, kField)->required();
   AddInstance(*command, options);
   AddTimeout(*command, options, "How long to wait for service and answer; 2000 if not given");
@@ -93,9 +96,8 @@ void AddGet(CLI::App& tool, Request& request) {
 }
 
 void AddSet(CLI::App& tool, Request& request) {
-  CLI::App* command = nullptr;
-  auto& options =
-      AddCommand(tool, request, command, "set", "Write a field and print what the service reports back", &Set);
+  const auto& [command, options] =
+      AddCommand(tool, request, "set", "Write a field and print what the service reports back", &Set);
   command->add_option("FIELD", options.address, kField)->required();
   command->add_option("JSON", options.value, "The new value, as `get` prints it; - reads it from standard input")
       ->required();
@@ -105,9 +107,8 @@ void AddSet(CLI::App& tool, Request& request) {
 }
 
 void AddDecode(CLI::App& tool, Request& request) {
-  CLI::App* command = nullptr;
-  auto& options =
-      AddCommand(tool, request, command, "decode", "Print the value that the bytes of a payload are", &Decode);
+  const auto& [command, options] =
+      AddCommand(tool, request, "decode", "Print the value that the bytes of a payload are", &Decode);
   command->add_option("FIELD", options.address, kField)->required();
   command->add_option("HEX", options.digits,
                       "The payload, as `get --hex` prints it; white space is passed over. - or nothing reads it from "
@@ -116,9 +117,8 @@ void AddDecode(CLI::App& tool, Request& request) {
 }
 
 void AddEncode(CLI::App& tool, Request& request) {
-  CLI::App* command = nullptr;
-  auto& options = AddCommand<EncodeOptions>(tool, request, command, "encode",
-                                            "Print the bytes of the payload that carries a value", &Encode);
+  const auto& [command, options] = AddCommand<EncodeOptions>(
+      tool, request, "encode", "Print the bytes of the payload that carries a value", &Encode);
   command->add_option("FIELD", options.address, kField)->required();
   command->add_option("JSON", options.value,
                       "The value, as `get` prints it; - or nothing reads it from standard input");
@@ -126,9 +126,8 @@ void AddEncode(CLI::App& tool, Request& request) {
 }
 
 void AddWatch(CLI::App& tool, Request& request) {
-  CLI::App* command = nullptr;
-  auto& options =
-      AddCommand(tool, request, command, "watch",
+  const auto& [command, options] =
+      AddCommand(tool, request, "watch",
                  "Follow fields: in a live table on a terminal, else with a JSON line for each sample", &Watch);
   command->add_option("TARGET", options.targets, kTargets)->required();
   AddInstance(*command, options);
@@ -137,7 +136,7 @@ void AddWatch(CLI::App& tool, Request& request) {
       ->check(CLI::Range(1, std::numeric_limits<int>::max()).description(""));
   AddTimeout(*command, options,
              "How long to wait for the services, and for the N samples of --count; no limit if not given")
-      ->each([&options](const std::string&) { options.has_timeout = true; });
+      ->each([&given = options.has_timeout](const std::string&) { given = true; });
   auto* const asLines = command->add_flag("--json", options.as_lines, "JSON lines on a terminal, too");
   command->add_flag("--summary", options.as_summary, "Say only how large each sample is, and what it holds")
       ->excludes(asLines);
@@ -145,9 +144,8 @@ void AddWatch(CLI::App& tool, Request& request) {
 }
 
 void AddSimulate(CLI::App& tool, Request& request) {
-  CLI::App* command = nullptr;
-  auto& options =
-      AddCommand(tool, request, command, "simulate", "Offer interfaces as a vehicle would, until Ctrl-C", &Simulate);
+  const auto& [command, options] =
+      AddCommand(tool, request, "simulate", "Offer interfaces as a vehicle would, until Ctrl-C", &Simulate);
   command->add_option("INTERFACE", options.interfaces, "What to offer")->required();
   AddInstance(*command, options);
   command->add_option("--period", options.period, "Time between two values; 1000 if not given")
@@ -165,9 +163,8 @@ void AddSimulate(CLI::App& tool, Request& request) {
 }
 
 void AddOffer(CLI::App& tool, Request& request) {
-  CLI::App* command = nullptr;
-  auto& options = AddCommand(tool, request, command, "offer",
-                             "Offer an interface as an application would, until Ctrl-C", &OfferInterface);
+  const auto& [command, options] =
+      AddCommand(tool, request, "offer", "Offer an interface as an application would, until Ctrl-C", &OfferInterface);
   command->add_option("INTERFACE", options.interface, "What to offer")->required();
   AddInstance(*command, options);
   command->add_option("--values", options.values_file, "JSON file with a value for each field; - reads standard input")
@@ -182,10 +179,9 @@ void AddOffer(CLI::App& tool, Request& request) {
 }
 
 void AddWireshark(CLI::App& tool, Request& request) {
-  CLI::App* command = nullptr;
-  auto& options =
-      AddCommand(tool, request, command, "wireshark",
-                 "Write a Wireshark profile that shows all fields and members by name", &WriteWiresharkProfile);
+  const auto& [command, options] =
+      AddCommand(tool, request, "wireshark", "Write a Wireshark profile that shows all fields and members by name",
+                 &WriteWiresharkProfile);
   command->add_option("DIR", options.folder, "The profile's folder; is made where it is missing")->required();
   command->add_flag("--force", options.force, "Replace files that this command has not written");
   command->footer(
@@ -195,9 +191,8 @@ void AddWireshark(CLI::App& tool, Request& request) {
 }
 
 void AddDoctor(CLI::App& tool, Request& request) {
-  CLI::App* command = nullptr;
-  auto& options = AddCommand(tool, request, command, "doctor",
-                             "Check what usually goes wrong on this machine, and say what to do about it", &Doctor);
+  const auto& [command, options] = AddCommand(
+      tool, request, "doctor", "Check what usually goes wrong on this machine, and say what to do about it", &Doctor);
   AddTimeout(*command, options, "How long to look for the services; 2000 if not given");
   command->add_flag("--json", options.as_json, "As JSON instead of a line for each check");
   command->footer(

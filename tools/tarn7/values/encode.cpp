@@ -1,7 +1,6 @@
 #include "tools/tarn7/values/encode.h"
 
 #include <cmath>
-#include <cstring>
 
 #include <nlohmann/json.hpp>
 
@@ -24,8 +23,7 @@ class Encoder {
         AppendNumber(bytes_, IntegerFromJson(json, 8 * type.size, type.is_signed, place), type.size);
         break;
       case Kind::kFloat:
-        type.size == sizeof(float) ? Float<float, std::uint32_t>(json, place)
-                                   : Float<double, std::uint64_t>(json, place);
+        Float(NumberFromJson(json, place), type.size, place);
         break;
       case Kind::kString: {
         const std::string& text = StringFromJson(json, place);
@@ -57,17 +55,14 @@ class Encoder {
   Payload Take() { return std::move(bytes_); }
 
  private:
-  template <typename Type, typename Bits>
-  void Float(const Json& json, const Place& place) {
-    const double number = NumberFromJson(json, place);
-    const auto value = static_cast<Type>(number);
-    if (std::isfinite(number) && !std::isfinite(value)) {
-      place.Fail(ToText(json) + " does not fit a " + std::to_string(8 * sizeof(Type)) + "-bit float");
+  void Float(double number, std::size_t size, const Place& place) {
+    if (size == sizeof(float) && std::isfinite(number) && !std::isfinite(static_cast<float>(number))) {
+      std::string text;
+      AppendNumber(text, number);
+      place.Fail(text + " does not fit a 32-bit float");
     }
-    Bits bits = 0;
-    static_assert(sizeof(bits) == sizeof(value));
-    std::memcpy(&bits, &value, sizeof(bits));
-    AppendNumber(bytes_, bits, sizeof(bits));
+    AppendNumber(bytes_, 0, size);
+    StoreFloat(number, bytes_.data() + bytes_.size() - size, size);
   }
 
   void Members(const RecordType& record, const Json& json, const Place& place) {

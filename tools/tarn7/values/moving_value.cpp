@@ -1,7 +1,6 @@
 #include "tools/tarn7/values/moving_value.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 #include <string_view>
 
@@ -13,32 +12,6 @@ using Kind = ValueType::Kind;
 
 constexpr int kGreatest = 100;  // fits every number
 constexpr std::string_view kText = "text";
-
-double LoadFloat(const unsigned char* data, std::size_t size) {
-  const std::uint64_t number = LoadNumber(data, size);
-  if (size == sizeof(double)) {
-    double value = 0;
-    std::memcpy(&value, &number, sizeof(value));
-    return value;
-  }
-  const auto bits = static_cast<std::uint32_t>(number);
-  float value = 0;
-  std::memcpy(&value, &bits, sizeof(value));
-  return value;
-}
-
-void StoreFloat(double number, unsigned char* data, std::size_t size) {
-  std::uint64_t bits = 0;
-  if (size == sizeof(double)) {
-    std::memcpy(&bits, &number, sizeof(number));
-  } else {
-    const auto value = static_cast<float>(number);
-    std::uint32_t narrow = 0;
-    std::memcpy(&narrow, &value, sizeof(value));
-    bits = narrow;
-  }
-  StoreNumber(bits, data, size);
-}
 
 }  // namespace
 

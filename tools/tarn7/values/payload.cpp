@@ -1,8 +1,36 @@
 #include "tools/tarn7/values/payload.h"
 
+#include <cstring>
+
 #include "serialization/member_view.h"
 
 namespace tarn7::tool {
+
+double LoadFloat(const unsigned char* data, std::size_t size) {
+  const std::uint64_t bits = LoadNumber(data, size);
+  double number = 0;
+  if (size == sizeof(number)) {
+    std::memcpy(&number, &bits, sizeof(number));
+    return number;
+  }
+  const auto narrowBits = static_cast<std::uint32_t>(bits);
+  float narrow = 0;
+  std::memcpy(&narrow, &narrowBits, sizeof(narrow));
+  return narrow;
+}
+
+void StoreFloat(double number, unsigned char* data, std::size_t size) {
+  if (size == sizeof(number)) {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &number, sizeof(bits));
+    StoreNumber(bits, data, size);
+    return;
+  }
+  const auto narrow = static_cast<float>(number);
+  std::uint32_t bits = 0;
+  std::memcpy(&bits, &narrow, sizeof(bits));
+  StoreNumber(bits, data, size);
+}
 
 std::uint16_t TagOf(const Member& member) {
   using common::WireType;

@@ -48,6 +48,10 @@ inline void StoreNumber(std::uint64_t number, unsigned char* data, std::size_t s
   }
 }
 
+/// A float of 4 or 8 bytes. Those of 4 are read without a loss, and written as the nearest that there is.
+double LoadFloat(const unsigned char* data, std::size_t size);
+void StoreFloat(double number, unsigned char* data, std::size_t size);
+
 /// What goes in front of a member's value.
 std::uint16_t TagOf(const Member& member);
 

@@ -2,7 +2,6 @@
 
 #include <charconv>
 #include <cmath>
-#include <cstring>
 
 #include "tools/tarn7/values/json.h"
 #include "tools/tarn7/values/payload_check.h"
@@ -15,21 +14,20 @@ using Kind = ValueType::Kind;
 
 /// The number whose text has the fewest digits that identify the value in its own precision: the float 0.1 is 0.1, and
 /// not 0.10000000149011612.
-template <typename Float, typename Bits>
-void AppendFloat(std::string& text, std::uint64_t number) {
-  const auto bits = static_cast<Bits>(number);
-  Float value = 0;
-  static_assert(sizeof(value) == sizeof(bits));
-  std::memcpy(&value, &bits, sizeof(value));
+void AppendFloat(std::string& text, const unsigned char* data, std::size_t size) {
+  const double value = LoadFloat(data, size);
   if (!std::isfinite(value)) {
     text += std::isnan(value) ? R"("NaN")" : value > 0 ? R"("Infinity")" : R"("-Infinity")";
-    return;
+  } else if (size == sizeof(value)) {
+    AppendNumber(text, value);
+  } else {
+    char digits[32];
+    const auto end =
+        std::to_chars(digits, digits + sizeof(digits), static_cast<float>(value), std::chars_format::scientific).ptr;
+    double shortest = 0;
+    std::from_chars(digits, end, shortest);
+    AppendNumber(text, shortest);
   }
-  char digits[64];
-  const auto end = std::to_chars(digits, digits + sizeof(digits), value, std::chars_format::scientific).ptr;
-  double shortest = 0;
-  std::from_chars(digits, end, shortest);
-  AppendNumber(text, shortest);
 }
 
 void AppendInteger(std::string& text, const ValueType& type, std::uint64_t number) {
@@ -65,12 +63,9 @@ void AppendValue(std::string& text, const ValueType& type, const Extent& value) 
     case Kind::kInteger:
       AppendInteger(text, type, LoadNumber(value.data, type.size));
       break;
-    case Kind::kFloat: {
-      const std::uint64_t number = LoadNumber(value.data, type.size);
-      type.size == sizeof(float) ? AppendFloat<float, std::uint32_t>(text, number)
-                                 : AppendFloat<double, std::uint64_t>(text, number);
+    case Kind::kFloat:
+      AppendFloat(text, value.data, type.size);
       break;
-    }
     case Kind::kString: {
       const Extent content = value.Content();
       AppendString(text, {reinterpret_cast<const char*>(content.data), static_cast<std::size_t>(content.size)});
