@@ -22,7 +22,7 @@ std::uint16_t IdFromJson(const Json& json, std::uint16_t last, const Place& plac
   if (text.size() != 2 + kDigits || text.compare(0, 2, "0x") != 0 ||
       std::from_chars(text.data() + 2, end, id, 16).ptr != end || id == 0 || id > last) {
     const unsigned char greatest[] = {static_cast<unsigned char>(last >> 8U), static_cast<unsigned char>(last)};
-    place.Fail(Summary(json) + " is no id from \"0x0001\" to \"0x" + ToHex(greatest, sizeof(greatest)) + '"');
+    place.Fail(Summary(json) + R"( is no id from "0x0001" to "0x)" + ToHex(greatest, sizeof(greatest)) + '"');
   }
   return id;
 }

@@ -33,9 +33,8 @@ struct Extent {
 
 inline Extent Whole(const Payload& payload) { return {payload.data(), payload.size(), 0}; }
 
-/// A number of `size` bytes, 1 to 8, the most significant one first.
-inline std::uint64_t LoadNumber(const unsigned char* data, std::size_t size) {
-  std::uint64_t number = 0;
+/// A number of `size` bytes, 1 to 8, the most significant one first; in front of them the bits of `number`.
+inline std::uint64_t LoadNumber(const unsigned char* data, std::size_t size, std::uint64_t number = 0) {
   for (std::size_t i = 0; i < size; ++i) {
     number = number << 8U | data[i];
   }

@@ -30,12 +30,12 @@ void AppendFloat(std::string& text, const unsigned char* data, std::size_t size)
   }
 }
 
-void AppendInteger(std::string& text, const ValueType& type, std::uint64_t number) {
+void AppendInteger(std::string& text, const ValueType& type, const unsigned char* data) {
   char digits[24];
-  const unsigned unused = 64 - 8 * static_cast<unsigned>(type.size);
-  const auto end = type.is_signed ? std::to_chars(digits, digits + sizeof(digits),
-                                                  static_cast<std::int64_t>(number << unused) >> unused)
-                                  : std::to_chars(digits, digits + sizeof(digits), number);
+  const bool isNegative = type.is_signed && (*data & 0x80U) != 0;
+  const std::uint64_t number = LoadNumber(data, type.size, isNegative ? ~std::uint64_t{0} : 0);
+  const auto end = isNegative ? std::to_chars(digits, digits + sizeof(digits), static_cast<std::int64_t>(number))
+                              : std::to_chars(digits, digits + sizeof(digits), number);
   text.append(digits, end.ptr);
 }
 
@@ -61,7 +61,7 @@ void AppendValue(std::string& text, const ValueType& type, const Extent& value) 
       text += *value.data != 0 ? "true" : "false";
       break;
     case Kind::kInteger:
-      AppendInteger(text, type, LoadNumber(value.data, type.size));
+      AppendInteger(text, type, value.data);
       break;
     case Kind::kFloat:
       AppendFloat(text, value.data, type.size);
