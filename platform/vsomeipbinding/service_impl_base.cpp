@@ -27,7 +27,7 @@ struct OfferedVersions {
 
 void ServiceImplBase::OfferService(std::uint16_t service, std::uint16_t instance, std::uint8_t major,
                                    std::uint32_t minor) {
-  const auto application = runtime::VSomeIPConnection::instance_.Application();
+  const auto& application = runtime::VSomeIPConnection::instance_.Application();
   if (runtime::StackThread::Get().IsRegistered()) {
     runtime::RivalCheck::Get().Ask(*application, service, instance);
   }
