@@ -98,7 +98,7 @@ void StackThread::OnState(::vsomeip::state_type_e state) {
 
 bool StackThread::IsRegistered() {
   const std::lock_guard<std::mutex> lock(mutex_);
-  return registered_;
+  return registered_ && !stopped_;
 }
 
 std::shared_ptr<::vsomeip::application> StackThread::Running() {

@@ -17,11 +17,11 @@ class StackThread {
 
   /// The application object, which the first call starts. Throws std::runtime_error when it cannot be started; the next
   /// call tries again. After Stop() it is the stopped one. The first call returns when the application is registered
-  /// at its routing host, or after a second without one.
+  /// at its routing host, or after a second without one; who calls meanwhile does not wait.
   std::shared_ptr<::vsomeip::application> Start();
   /// The application object between Start() and Stop(); null before and after.
   std::shared_ptr<::vsomeip::application> Running();
-  /// Whether the application is registered at its routing host, as far as is known here.
+  /// Whether the application is registered at its routing host, as far as is known here. False after Stop().
   bool IsRegistered();
   /// Stops the application and waits for its thread, for a limited time. Called when the process exits.
   void Stop();
