@@ -24,6 +24,14 @@ PRESSURES = ".headers[0].records[0]"
 STATUS = ".headers[0].records[1]"
 NUMBER = {"id": 9, "name": "number", "type": "uint8"}
 
+
+
+def nested(depth):
+    """A record within a record, and so on."""
+    record = {"name": f"R{depth}", "brief": "One of many.", "members": [NUMBER]}
+    return {**record, "records": [nested(depth - 1)]} if depth > 1 else record
+
+
 # What is changed to what in the model of docs/adding-an-interface.md, and what is said then.
 REFUSED = [
     # The schema's part, with each of its rules.
@@ -54,6 +62,22 @@ REFUSED = [
     (f"{PRESSURES}.records", [{"name": "Reading", "brief": "Twice.", "members": [NUMBER]}] * 2,
      f"{PRESSURES}.records[1].name: 'Reading' is taken: {PRESSURES}.records[0].name has this name"),
     (".headers[0].name", "skeleton", ".headers[0].name: 'skeleton' is no name for a header"),
+    (".fields[0].name", "pressures\n", '.fields[0].name: "pressures\\n" is not of the form'),
+    *((".fields[0].name", name, f".fields[0].name: '{name}' is no name for a field")
+      for name in ("accessor", "handle", "instances", "name", "linux")),
+    *((".class", name, f".class: '{name}' is no name for a class")
+      for name in ("Field", "MutableField", "NULL", "ProxyImplBase", "Service")),
+    *((".class", name, f".class: '{name[0].lower() + name[1:]}' is no name for a variable of this class")
+      for name in ("Answer", "Auto", "Double", "Handle", "Value")),
+    *((f"{STATUS}.name", name, f"{STATUS}.name: '{name}' is no name")
+      for name in ("BIG_ENDIAN", "EINTR", "EXIT_SUCCESS", "INFINITY", "M_PI", "PRIu8", "SIGINT", "SIZE_MAX", "TARN7_EXPORT")),
+    (f"{READING}.name", "DT_status_struct", f"{READING}.name: 'DT_status_struct' is another record's or parameter's, outside of it"),
+    (f"{READING}.name", "DT_pressures_struct", f"{READING}.name: 'DT_pressures_struct' is another record's"),
+    (PRESSURES, {"name": "Box", "brief": "Shape.", "parameters": ["T"], "members": [NUMBER], "records": [
+        {"name": "Inner", "brief": "Deep.", "members": [NUMBER], "parameters": ["T"]}]},
+     f"{PRESSURES}.records[0].parameters[0]: 'T' is another record's or parameter's"),
+    (".headers", [{"name": name, "brief": "Some.", "records": [{"name": f"DT_{name}", "brief": "One.", "members": [NUMBER]}]}
+                  for name in ("datatypes", "more")], ".headers[0].name: 'datatypes' is the name of the header that includes all others"),
     # Ids.
     (".fields[0].getter", "0x4010", ".fields[1].getter: 0x4010 is the getter of pressures as well"),
     (".fields[0].getter", "0x4030", ".fields[0].getter: 0x4030 is out of order: the getters of 2 fields are 0x4010 to 0x4020,"),
@@ -71,9 +95,19 @@ REFUSED = [
     (".fields[0].mutable", True, ".fields[0].mutable: the library offers no field that clients may write"),
     (".fields[0].record", "DT_doors_struct", ".fields[0].record: 'DT_doors_struct' is no record"),
     (".fields[0].record", "Reading", ".fields[0].record: 'Reading' is no record"),
+    (STATUS, {"name": "DT_status_struct", "brief": "None.", "alias": "bool"}, ".fields[1].record: 'DT_status_struct' is an alias, which is"),
+    (f"{STATUS}.parameters", ["T"], ".fields[1].record: 'DT_status_struct' is a shape"),
+    (".fields", [{}] * 1024, ".fields: has 1024 items, and may have 1023"),
     # Types.
     (f"{STATUS}.members[0].type", "uint24", f"{STATUS}.members[0].type: the type 'uint24' is unknown"),
-    (f"{STATUS}.members[0].type", "sequence<bytes<0>>", f"{STATUS}.members[0].type: the type 'bytes<0>' is unknown"),
+    (f"{STATUS}.members[0].type", "sequence<bytes<0>>", f"{STATUS}.members[0].type: '0' is no number of bytes from 1 to 65535"),
+    (f"{STATUS}.members[0].type", "bytes<65536>", f"{STATUS}.members[0].type: '65536' is no number of bytes from 1 to 65535"),
+    (f"{STATUS}.members[0].type", "sequence<" * 2000 + "bool" + ">" * 2000, f"{STATUS}.members[0].type: types nest more than 64 deep"),
+    (".headers[0].records", [nested(70)], ".headers[0].records[0]" + ".records[0]" * 64 + ": records nest more than 64 deep"),
+    *((STATUS, {"name": "DT_status_struct", "brief": "None.", key: "DT_pressures_struct", "records": [nested(1)]},
+       f"{STATUS}.records: is only for what has members") for key in ("alias", "is")),
+    (".headers[0].records", [{"name": "Flag", "brief": "None.", "alias": "bool"}, {"name": "DT_status_struct", "brief": "None.", "is": "Flag"}],
+     ".headers[0].records[1].is: 'Flag' is an alias, which is not allowed here"),
     (f"{STATUS}.members[0].type", "sequence<", f"{STATUS}.members[0].type: 'sequence<' is no type"),
     (f"{STATUS}.members[0].type", "Reading", f"{STATUS}.members[0].type: the type 'Reading' is unknown"),
     (f"{STATUS}.members[0].type", "DT_pressures_struct<bool>", f"{STATUS}.members[0].type: DT_pressures_struct takes 0 arguments, not 1"),
@@ -122,7 +156,19 @@ class GenerateTest(unittest.TestCase):
                 change(model, place, value)
                 self.expect_refused(json.dumps(model), said)
         self.expect_refused(MODEL[:100], ".: no JSON: ")
+        self.expect_refused(MODEL.replace("4711", "4" * 5000), ".: no JSON: ")
+        self.expect_refused("[" * 100000, ".: is nested too deep")
         self.expect_refused(MODEL.replace('"class"', '"name"'), ".: the key 'name' occurs twice in one object")
+
+    def test_what_is_no_model_is_left_alone_or_named(self):
+        (self.clone / "interfaces/model/model.json").write_text(MODEL.replace('"tyres"', '"model"'))
+        self.assertIn("model.json: .name: 'model' is no name for an interface", self.generate()[2])
+        (self.clone / "interfaces/model/model.json").unlink()
+        (self.clone / "interfaces/model/gone.json").symlink_to("nowhere")
+        self.assertEqual(self.generate(), (1, "", "interfaces/model/gone.json: .: cannot be read: No such file or directory\n"))
+        (self.clone / "interfaces/model/gone.json").rename(self.clone / "interfaces/model/.#psd2.json")
+        (self.clone / "interfaces/.psd2.swp").write_bytes(b"b0\xff\n")
+        self.assertEqual(self.generate()[::2], (0, ""))
 
     def test_all_mistaken_models_are_named_at_once(self):
         for name in ("energysystem", "psd2"):
