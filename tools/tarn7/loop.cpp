@@ -28,16 +28,23 @@ Loop::~Loop() = default;
 void Loop::Post(std::function<void()> job) { boost::asio::post(state_->context, std::move(job)); }
 
 bool Loop::RunUntil(TimePoint deadline, const std::function<bool()>& done) {
-  while (!done()) {
+  for (bool isLate = false;;) {
+    if (done()) {
+      return true;
+    }
     if (state_->signal != 0) {
       throw Interrupted{state_->signal};
     }
-    state_->context.restart();
-    if (state_->context.run_one_until(deadline) == 0 && Clock::now() >= deadline) {
+    if (isLate) {
       return false;
     }
+    state_->context.restart();
+    if (state_->context.run_one_until(deadline) == 0 && Clock::now() >= deadline) {
+      // Asio looks at nothing once the time is up, but who always comes too late must still hear of a signal.
+      state_->context.poll_one();
+      isLate = true;
+    }
   }
-  return true;
 }
 
 }  // namespace tarn7::tool

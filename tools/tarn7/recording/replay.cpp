@@ -8,7 +8,8 @@ namespace tarn7::tool {
 
 namespace {
 
-constexpr double kLongest = 1e9;  // seconds: what the clock can take, and longer than anybody waits
+constexpr double kLongest = 1e9;         // seconds: what the clock can take, and longer than anybody waits
+constexpr std::size_t kMostAtOnce = 64;  // samples, so that a signal is heard in between
 
 }  // namespace
 
@@ -38,7 +39,8 @@ void Replay::PlayUntil(Loop::TimePoint now, const Play& play) {
   if (next_ == samples_.size()) {
     return;
   }
-  for (; next_ < samples_.size() && begin_ + offsets_[next_] <= now; ++next_) {
+  const std::size_t end = std::min(samples_.size(), next_ + kMostAtOnce);
+  for (; next_ < end && begin_ + offsets_[next_] <= now; ++next_) {
     play(*samples_[next_].field, samples_[next_].payload);
   }
   if (next_ == samples_.size()) {

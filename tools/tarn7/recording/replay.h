@@ -27,7 +27,8 @@ class Replay {
   void Start(Loop::TimePoint now) noexcept { begin_ = now; }
   /// When there is something to play; kForever after the end.
   Loop::TimePoint Next() const noexcept;
-  /// Plays what was due until `now`, in its order. Says on standard error when that was all.
+  /// Plays what was due until `now`, in its order; the next call goes on where that is much. Says on standard error
+  /// when that was all.
   void PlayUntil(Loop::TimePoint now, const Play& play);
 
  private:
