@@ -31,6 +31,13 @@ Payload PayloadOf(const vsomeip::message& message) {
   return {payload->get_data(), payload->get_data() + payload->get_length()};
 }
 
+std::string WrongVersion(const vsomeip::message& message, const Interface& interface) {
+  const int version = message.get_interface_version();
+  return version == interface.major_version ? ""
+                                            : "it has interface version " + std::to_string(version) + " instead of " +
+                                                  std::to_string(static_cast<int>(interface.major_version));
+}
+
 [[noreturn]] void ThrowErrorResponse(const vsomeip::message& response) {
   const Payload payload = PayloadOf(response);
   if (payload.size() != common::ErrorCodeWireForm::kSize) {
@@ -46,7 +53,8 @@ Payload PayloadOf(const vsomeip::message& message) {
 }  // namespace
 
 struct StackFieldClient::Inbox {
-  std::mutex mutex;  // guards the members
+  std::mutex mutex;                // guards the members
+  vsomeip::session_t session = 0;  // of the request
   Message response;
   std::deque<Message> samples;
   std::atomic<ara::com::SubscriptionState> subscription{ara::com::SubscriptionState::kSubscriptionPending};
@@ -76,6 +84,9 @@ void StackFieldClient::Send(std::uint16_t method, const Payload& payload, std::f
       [inbox = inbox_, answered = std::move(answered)](const Message& response) {
         {
           const std::lock_guard<std::mutex> lock(inbox->mutex);
+          if (response->get_session() != inbox->session) {
+            return;  // it answers nothing that was asked
+          }
           inbox->response = response;
         }
         answered();
@@ -86,12 +97,18 @@ void StackFieldClient::Send(std::uint16_t method, const Payload& payload, std::f
   request->set_method(method);
   request->set_interface_version(interface.major_version);
   request->set_payload(StackApplication::Runtime()->create_payload(payload));
+  // Sending gives the request its session, and the response may be here before that returns.
+  const std::lock_guard<std::mutex> lock(inbox_->mutex);
   service_.Application()->send(request);
+  inbox_->session = request->get_session();
 }
 
 Payload StackFieldClient::TakeAnswer() {
   const std::lock_guard<std::mutex> lock(inbox_->mutex);
   const Message response = std::move(inbox_->response);
+  if (const std::string fault = WrongVersion(*response, service_.GetInterface()); !fault.empty()) {
+    throw CommandError(Status::kCallFailed, "the call failed: the answer is not taken: " + fault);
+  }
   if (response->get_message_type() == vsomeip::message_type_e::MT_ERROR ||
       response->get_return_code() != vsomeip::return_code_e::E_OK) {
     ThrowErrorResponse(*response);
@@ -132,6 +149,9 @@ std::vector<Payload> StackFieldClient::TakeSamples() {
   for (const Message& sample : samples) {
     Payload payload = PayloadOf(*sample);
     try {
+      if (const std::string fault = WrongVersion(*sample, service_.GetInterface()); !fault.empty()) {
+        throw PayloadError(fault);
+      }
       CheckPayload(*field_.type, payload);
       values.push_back(std::move(payload));
     } catch (const PayloadError& error) {
