@@ -61,14 +61,14 @@ TEST(Model, AMistakeIsRefusedWithItsPlace) {
                                  R"([{"name":"state","getter":"0x4020","record":"R"},)"),
        "fields[1].name: state is another field's, too"},
       {WithType("uint9"), "headers[0].records[0].members[0].type: no type 'uint9'; did you mean uint8?"},
-      {WithType("sequence"), "headers[0].records[0].members[0].type: sequence takes 1 types, found 0"},
+      {WithType("sequence"), "headers[0].records[0].members[0].type: sequence takes 1 type, found 0"},
       {WithType("sequence<uint8"), "headers[0].records[0].members[0].type: 'sequence<uint8' is no type"},
       {WithType("uint8>"), "headers[0].records[0].members[0].type: 'uint8>' is no type"},
       {WithType(""), "headers[0].records[0].members[0].type: '' is no type"},
       {WithType("bytes<0>"), "'0' is no number of bytes from 1 to 65535"},
       {WithType("bytes<99999999999999999999>"), "is no number of bytes"},
-      {WithType("S", kShape), "members[0].type: S takes 1 types, found 0"},
-      {WithType("S<uint8,uint8>", kShape), "members[0].type: S takes 1 types, found 2"},
+      {WithType("S", kShape), "members[0].type: S takes 1 type, found 0"},
+      {WithType("S<uint8,uint8>", kShape), "members[0].type: S takes 1 type, found 2"},
       {WithType("uint8<bool>"), "members[0].type: uint8 takes 0 types, found 1"},
       {WithType("sequence<R>"), "headers[0].records[0].members[0].type: R holds itself"},
       {WithType("S<bool>", R"(,{"name":"S","parameters":["T"],"members":[{"id":0,"name":"t","type":"S<T>"}]})"),
@@ -101,7 +101,19 @@ TEST(Model, AMistakeIsRefusedWithItsPlace) {
                 R"(,{"name":"Q","members":[{"id":1,"name":"a","type":"bool"},{"id":2,"name":"a","type":"bool"}]})"),
        "headers[0].records[1].members[1].name: a is another member's, too"},
       {WithType("uint8", R"(,{"name":"Q","members":[{"id":1,"name":"a","type":"bool","takenFor":"\u001b[2J"}]})"),
-       "headers[0].records[1].members[0].takenFor: control characters have no place in a text"}};
+       "headers[0].records[1].members[0].takenFor: control characters have no place in a text"},
+      // Names that C++ would take for another thing, depending on where they are used.
+      {WithType("uint8", R"(,{"name":"Q","records":[{"name":"S","records":[{"name":"R","members":[]}],"members":[]}],)"
+                         R"("members":[]})"),
+       "headers[0].records[1].records[0].records[0].name: R is the record at headers[0].records[0] around it, too"},
+      {WithType("uint8", R"(,{"name":"Q","parameters":["T"],"records":[{"name":"T","members":[]}],"members":[]})"),
+       "headers[0].records[1].records[0].name: T is a parameter of headers[0].records[1] around it, too"},
+      {WithType("uint8", R"(,{"name":"Q","records":[{"name":"Q","members":[]}],"members":[]})"),
+       "headers[0].records[1].records[0].name: Q is the record at headers[0].records[1] around it, too"},
+      {WithType("uint8", R"(,{"name":"Q","members":[],"name":"P"})"),
+       "headers[0].records[1].name: there are two members of this name"},
+      {WithType("uint8", R"(,{"name":"Q","members":[{"id":0,"name":"a","type":"bool","id":1}]})"),
+       "headers[0].records[1].members[0].id: there are two members of this name"}};
   for (const auto& [model, refusal] : refusals) {
     EXPECT_THAT(Refusal(model), testing::HasSubstr(refusal)) << model;
   }
@@ -112,12 +124,13 @@ TEST(Model, NamesAreLookedUpFromTheInsideOut) {
       ReadModel(Model(R"([{"name":"state","getter":"0x4010","record":"Outer","mutable":true}])",
                       R"([{"name":"Box","parameters":["T"],"members":[{"id":0,"name":"value","type":"T"}]},
           {"name":"Boxes","parameters":["T"],"alias":"Box<sequence<T>>"},
-          {"name":"Inner","members":[{"id":0,"name":"outside","type":"bool"}]},
+          {"name":"Sibling","records":[{"name":"Inner","members":[{"id":0,"name":"besides","type":"bool"}]}],
+           "members":[{"id":0,"name":"a","type":"Inner"}]},
           {"name":"Outer","takenFor":"a door","records":[
              {"name":"Inner","members":[{"id":0,"name":"inside","type":"sequence<uint8>","choice":"its kind"}]}],
            "members":[{"id":3,"name":"inner","type":"Boxes<Inner>"}, {"id":1,"name":"raw","type":"bytes<4>"},
                       {"id":2,"name":"other","type":"Other"}]},
-          {"name":"Other","is":"Inner"}])"));
+          {"name":"Other","is":"Sibling"}])"));
   const Field& field = interface.fields.front();
   EXPECT_EQ(field.setter, 0x4011);
   EXPECT_EQ(field.eventgroup, 0xC010);
@@ -135,7 +148,7 @@ TEST(Model, NamesAreLookedUpFromTheInsideOut) {
   EXPECT_EQ(inside.remarks.choice, "its kind");
   EXPECT_EQ(members[1].type->name, "4 bytes");
   EXPECT_EQ(members[2].type->cpp_name, "Other");
-  EXPECT_EQ(members[2].type->record->members.front().name, "outside");
+  EXPECT_EQ(members[2].type->record->members.front().type->cpp_name, "Sibling::Inner");
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <charconv>
 #include <map>
+#include <set>
+#include <string>
 
 #include <nlohmann/json.hpp>
 
@@ -53,6 +55,7 @@ void ReadFields(const Json& fields, const Place& place, TypeMaker& types, Interf
   if (fields.empty()) {
     place.Fail("an interface has fields");
   }
+  std::set<std::string> names;
   std::map<std::uint16_t, std::string> methods;  // by id, what it is
   for (std::size_t i = 0; i < fields.size(); ++i) {
     const Json& json = fields[i];
@@ -62,10 +65,8 @@ void ReadFields(const Json& fields, const Place& place, TypeMaker& types, Interf
     const Place getterPlace(here, "getter");
     const Place recordPlace(here, "record");
     const std::string& name = NameFromJson(RequiredMember(json, "name", here), namePlace);
-    for (const Field& other : interface.fields) {
-      if (other.name == name) {
-        namePlace.Fail(name + " is another field's, too");
-      }
+    if (!names.insert(name).second) {
+      namePlace.Fail(name + " is another field's, too");
     }
     const bool isMutable = IsMutable(json, here);
     const std::uint16_t getter =
@@ -94,7 +95,7 @@ Interface ReadModel(std::string_view text) {
   constexpr std::uint16_t kLastId = 0xFFFE;  // 0xFFFF stands for any
   constexpr std::uint8_t kLastMajor = 0xFE;
   constexpr std::uint32_t kLastMinor = 0xFFFFFFFE;
-  const Json model = ParseJson(text, "no JSON");
+  const Json model = ParseJsonWithoutDuplicates(text, "no JSON");
   const Place whole;
   RequireMembersAmong(model,
                       {"$schema", "name", "class", "role", "brief", "choice", "araServiceId", "serviceId", "version",

@@ -6,6 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "tools/tarn7/values/counted.h"
 #include "tools/tarn7/values/json_checks.h"
 #include "tools/tarn7/values/nearest.h"
 #include "tools/tarn7/values/payload.h"
@@ -55,18 +56,24 @@ bool IsShape(const Json& record) { return record.contains("parameters"); }
 
 }  // namespace
 
+/// Records beside each other.
+struct TypeMaker::Declarations {
+  std::vector<std::unique_ptr<Declaration>> all;
+  std::map<std::string, const Declaration*> by_name;
+};
+
 /// A record as it stands in the model.
 struct TypeMaker::Declaration {
   std::string path;  // its place in the model
   std::string name;
   std::vector<std::string> parameters;
-  std::vector<std::unique_ptr<Declaration>> nested;
+  Declarations nested;
   const Json& json;
 };
 
 /// What a type's name is looked up in: first this, then what is outside of it.
 struct TypeMaker::Scope {
-  const std::vector<std::unique_ptr<Declaration>>& declarations;
+  const Declarations& declarations;
   std::map<std::string, const ValueType*> parameters;
   std::string cpp_name;
   const Scope* outer;
@@ -128,7 +135,7 @@ class TypeMaker::TypeName {
   std::size_t position_ = 0;
 };
 
-TypeMaker::TypeMaker() = default;
+TypeMaker::TypeMaker() : declarations_(std::make_unique<Declarations>()) {}
 TypeMaker::~TypeMaker() = default;
 
 void TypeMaker::Declare(const Json& headers, const Place& place) {
@@ -136,27 +143,17 @@ void TypeMaker::Declare(const Json& headers, const Place& place) {
   for (std::size_t i = 0; i < headers.size(); ++i) {
     const Place header(place, i);
     RequireMembersAmong(headers[i], {"name", "brief", "records"}, header);
-    for (auto& declaration :
-         ReadDeclarations(RequiredMember(headers[i], "records", header), Place(header, "records"), 1)) {
-      for (const auto& known : declarations_) {
-        if (known->name == declaration->name) {
-          Place().Fail(declaration->path + ".name: " + declaration->name + " is at " + known->path + ", too");
-        }
-      }
-      declarations_.push_back(std::move(declaration));
-    }
+    ReadDeclarations(RequiredMember(headers[i], "records", header), Place(header, "records"), 1, *declarations_);
   }
+  std::map<std::string, std::string> outer;
+  RequireNewNames(*declarations_, outer);
 }
 
-std::vector<std::unique_ptr<TypeMaker::Declaration>> TypeMaker::ReadDeclarations(const Json& records,
-                                                                                 const Place& place,
-                                                                                 std::size_t depth) {
+void TypeMaker::ReadDeclarations(const Json& records, const Place& place, std::size_t depth, Declarations& into) {
   RequireArray(records, place);
   if (depth > kDeepest) {
     place.Fail("records nest more than " + std::to_string(kDeepest) + " deep");
   }
-  std::vector<std::unique_ptr<Declaration>> declarations;
-  std::map<std::string, std::string> paths;
   for (std::size_t i = 0; i < records.size(); ++i) {
     const Json& json = records[i];
     const Place record(place, i);
@@ -172,11 +169,13 @@ std::vector<std::unique_ptr<TypeMaker::Declaration>> TypeMaker::ReadDeclarations
     if (Simple().count(name) != 0 || name == kSequence || name == kBytes) {
       namePlace.Fail(name + " is a type of its own");
     }
-    const auto [path, isNew] = paths.emplace(name, record.ToString());
+    const auto [known, isNew] = into.by_name.try_emplace(name, nullptr);
     if (!isNew) {
-      namePlace.Fail(name + " is at " + path->second + ", too");
+      namePlace.Fail(name + " is at " + known->second->path + ", too");
     }
-    auto declaration = std::make_unique<Declaration>(Declaration{path->second, name, {}, {}, json});
+    Declaration* const declaration =
+        into.all.emplace_back(new Declaration{record.ToString(), name, {}, {}, json}).get();
+    known->second = declaration;
     if (IsShape(json)) {
       const Place parametersPlace(record, "parameters");
       RequireArray(json["parameters"], parametersPlace);
@@ -186,17 +185,47 @@ std::vector<std::unique_ptr<TypeMaker::Declaration>> TypeMaker::ReadDeclarations
       }
     }
     if (json.contains("records")) {
-      declaration->nested = ReadDeclarations(json["records"], Place(record, "records"), depth + 1);
+      ReadDeclarations(json["records"], Place(record, "records"), depth + 1, declaration->nested);
     }
-    declarations.push_back(std::move(declaration));
   }
-  return declarations;
 }
 
-void TypeMaker::ResolveAll() { ResolveAll(declarations_, {declarations_, {}, {}, nullptr}); }
+// In C++ such a name would mean the one or the other by the order of the declarations, here it does not.
+void TypeMaker::RequireNewNames(const Declarations& nested, std::map<std::string, std::string>& outer) {
+  for (const auto& declaration : nested.all) {
+    const auto around = outer.find(declaration->name);
+    if (around != outer.end()) {
+      const Place whole;
+      const Place place(whole, declaration->path);
+      Place(place, "name")
+          .Fail(declaration->name + " is " + around->second +
+                " around it, too: which one is meant would hang on the order of the declarations");
+    }
+  }
+  for (const auto& declaration : nested.all) {
+    outer.emplace(declaration->name, "the record at " + declaration->path);
+  }
+  for (const auto& declaration : nested.all) {
+    std::vector<std::string> parameters;
+    for (const std::string& parameter : declaration->parameters) {
+      if (outer.emplace(parameter, "a parameter of " + declaration->path).second) {
+        parameters.push_back(parameter);
+      }
+    }
+    RequireNewNames(declaration->nested, outer);
+    for (const std::string& parameter : parameters) {
+      outer.erase(parameter);
+    }
+  }
+  for (const auto& declaration : nested.all) {
+    outer.erase(declaration->name);
+  }
+}
 
-void TypeMaker::ResolveAll(const std::vector<std::unique_ptr<Declaration>>& declarations, const Scope& scope) {
-  for (const auto& declaration : declarations) {
+void TypeMaker::ResolveAll() { ResolveAll(*declarations_, {*declarations_, {}, {}, nullptr}); }
+
+void TypeMaker::ResolveAll(const Declarations& declarations, const Scope& scope) {
+  for (const auto& declaration : declarations.all) {
     if (!IsShape(declaration->json)) {
       const ValueType& type = Make(*declaration, scope, {}, Place());
       ResolveAll(declaration->nested, {declaration->nested, {}, type.cpp_name, &scope});
@@ -205,7 +234,7 @@ void TypeMaker::ResolveAll(const std::vector<std::unique_ptr<Declaration>>& decl
 }
 
 const ValueType& TypeMaker::SequenceOfRecord(const std::string& name, const Place& place) {
-  const Scope all{declarations_, {}, {}, nullptr};
+  const Scope all{*declarations_, {}, {}, nullptr};
   TypeName reader(name, place);
   const ValueType& type = Resolve(reader, all);
   reader.ExpectEnd();
@@ -245,32 +274,35 @@ const ValueType& TypeMaker::Resolve(TypeName& name, const Scope& scope) {
   }
   const auto requireArguments = [&](std::size_t count) {
     if (arguments.size() != count) {
-      place.Fail(word + " takes " + std::to_string(count) + " types, found " + std::to_string(arguments.size()));
+      place.Fail(word + " takes " + Counted(count, "type") + ", found " + std::to_string(arguments.size()));
     }
   };
   if (word == kSequence) {
     requireArguments(1);
     return Sequence(*arguments.front(), place);
   }
-  std::vector<std::string> names = {kSequence, kBytes};
   for (const Scope* next = &scope; next != nullptr; next = next->outer) {
     const auto parameter = next->parameters.find(word);
     if (parameter != next->parameters.end()) {
       requireArguments(0);
       return *parameter->second;
     }
-    for (const auto& declaration : next->declarations) {
-      if (declaration->name == word) {
-        requireArguments(declaration->parameters.size());
-        return Make(*declaration, *next, arguments, place);
-      }
-      names.push_back(declaration->name);
+    const auto declaration = next->declarations.by_name.find(word);
+    if (declaration != next->declarations.by_name.end()) {
+      requireArguments(declaration->second->parameters.size());
+      return Make(*declaration->second, *next, arguments, place);
     }
   }
   const auto simple = Simple().find(word);
   if (simple != Simple().end()) {
     requireArguments(0);
     return simple->second;
+  }
+  std::vector<std::string> names = {kSequence, kBytes};
+  for (const Scope* next = &scope; next != nullptr; next = next->outer) {
+    for (const auto& declaration : next->declarations.all) {
+      names.push_back(declaration->name);
+    }
   }
   for (const auto& [other, type] : Simple()) {
     names.push_back(other);
@@ -392,7 +424,7 @@ const ValueType& TypeMaker::Sequence(const ValueType& element, const Place& plac
 
 const ValueType& TypeMaker::Bytes(std::size_t size, const Place& place) {
   const std::string number = std::to_string(size);
-  ValueType type{Kind::kBytes, number + " bytes", "std::array<std::uint8_t, " + number + ">", size};
+  ValueType type{Kind::kBytes, Counted(size, "byte"), "std::array<std::uint8_t, " + number + ">", size};
   type.element = &Simple().at("uint8");
   type.weight = 1 + size;
   return Keep(std::move(type), place);

@@ -36,12 +36,14 @@ class TypeMaker {
 
  private:
   struct Declaration;
+  struct Declarations;
   struct Scope;
   class TypeName;
 
-  static std::vector<std::unique_ptr<Declaration>> ReadDeclarations(const Json& records, const Place& place,
-                                                                    std::size_t depth);
-  void ResolveAll(const std::vector<std::unique_ptr<Declaration>>& declarations, const Scope& scope);
+  static void ReadDeclarations(const Json& records, const Place& place, std::size_t depth, Declarations& into);
+  /// Throws ValueError for a nested record that has the name of something around it, which is in `outer`, by name.
+  static void RequireNewNames(const Declarations& nested, std::map<std::string, std::string>& outer);
+  void ResolveAll(const Declarations& declarations, const Scope& scope);
   const ValueType& Resolve(const Json& text, const Scope& scope, const Place& place);
   const ValueType& Resolve(TypeName& name, const Scope& scope);
   const ValueType& Make(const Declaration& declaration, const Scope& scope,
@@ -52,7 +54,7 @@ class TypeMaker {
   const ValueType& Sequence(const ValueType& element, const Place& place);
   const ValueType& Bytes(std::size_t size, const Place& place);
 
-  std::vector<std::unique_ptr<Declaration>> declarations_;
+  std::unique_ptr<Declarations> declarations_;
   std::map<std::string, const ValueType*> types_;  // by C++ name; null while it is being made
   std::shared_ptr<TypeStore> store_ = std::make_shared<TypeStore>();
   std::size_t depth_ = 0;

@@ -7,10 +7,13 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <set>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
 #include "tools/tarn7/error.h"
+#include "tools/tarn7/values/printable.h"
 
 namespace tarn7::tool {
 
@@ -30,7 +33,7 @@ void AppendTo(std::string& text, const Json& json) {
     return;
   }
   if (!json.is_structured()) {
-    text += json.dump(-1, ' ', false, Json::error_handler_t::replace);
+    text += Printable(json.dump(-1, ' ', false, Json::error_handler_t::replace));
     return;
   }
   text += json.is_array() ? '[' : '{';
@@ -45,6 +48,24 @@ void AppendTo(std::string& text, const Json& json) {
     AppendTo(text, item.value());
   }
   text += json.is_array() ? ']' : '}';
+}
+
+/// What an event of the parser is in: an object's member, or an array's element.
+struct Level {
+  explicit Level(bool isArray) : is_array(isArray) {}
+
+  bool is_array;
+  std::size_t index = 0;       // of the element
+  std::set<std::string> keys;  // the object's so far
+  std::string key;             // the last of them
+};
+
+[[noreturn]] void FailDuplicate(const std::vector<Level>& levels) {
+  std::string place;
+  for (const Level& level : levels) {
+    place += level.is_array ? '[' + std::to_string(level.index) + ']' : (place.empty() ? "" : ".") + level.key;
+  }
+  throw ValueError(place + ": there are two members of this name");
 }
 
 }  // namespace
@@ -75,6 +96,35 @@ std::string ReadText(const std::string& path) {
 Json ParseJson(std::string_view text, const std::string& source) {
   try {
     return Json::parse(text);
+  } catch (const Json::exception& error) {
+    throw ValueError(source + ": " + WithoutIdentifier(error.what()));
+  }
+}
+
+Json ParseJsonWithoutDuplicates(std::string_view text, const std::string& source) {
+  using Event = Json::parse_event_t;
+  std::vector<Level> levels;
+  const auto check = [&levels](int /*depth*/, Event event, const Json& parsed) {
+    if (event == Event::key) {
+      Level& object = levels.back();
+      object.key = parsed.get<std::string>();
+      if (!object.keys.insert(object.key).second) {
+        FailDuplicate(levels);
+      }
+    } else if (event == Event::object_start || event == Event::array_start) {
+      levels.emplace_back(event == Event::array_start);
+    } else {
+      if (event != Event::value) {
+        levels.pop_back();
+      }
+      if (!levels.empty()) {
+        ++levels.back().index;
+      }
+    }
+    return true;
+  };
+  try {
+    return Json::parse(text, check);
   } catch (const Json::exception& error) {
     throw ValueError(source + ": " + WithoutIdentifier(error.what()));
   }

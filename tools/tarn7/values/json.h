@@ -17,10 +17,13 @@ std::string ReadText(const std::string& path);
 
 /// Throws ValueError, which names line and column, for what is no JSON text. `source` says where the text is from.
 Json ParseJson(std::string_view text, const std::string& source);
+/// The same, and throws ValueError, which names the place, where an object has two members of one name.
+Json ParseJsonWithoutDuplicates(std::string_view text, const std::string& source);
 /// Reads a file, or standard input where `path` is "-". Throws ValueError where it cannot be read.
 Json ParseJsonFile(const std::string& path);
 
-/// On one line. Bytes in a string that are no UTF-8 are shown as U+FFFD, so such a string cannot be read back.
+/// On one line, without control characters. Bytes in a string that are no UTF-8 are shown as U+FFFD, so such a string
+/// cannot be read back.
 std::string ToText(const Json& json);
 /// Appends a string in quotes, in the same way.
 void AppendString(std::string& text, std::string_view string);
