@@ -117,6 +117,9 @@ TEST(Values, BytesOfTheNetworkAreShownWhateverTheyAre) {
   EXPECT_EQ(text("0000000B 00000007 1001 FFFE 00"
                  "04 00"),
             R"([{"member1":-2,"member4":0}])");
+  // What a terminal would obey; what only looks like it is left alone.
+  EXPECT_EQ(text("00000016 00000012 4005 0000000C 1B 7F C29B C280 C29F C2A0 C39B"),
+            "[{\"member5\":\"\\u001b\\u007f\\u009b\\u0080\\u009f\u00A0\u00DB\"}]");
   // The later one of two, in the record's order.
   EXPECT_EQ(text("0000000D 00000009 0004 01 0000 01 0004 02"), R"([{"member0":true,"member4":2}])");
 }
@@ -141,7 +144,7 @@ TEST(Values, WhatDoesNotFitIsRefusedWithItsPlace) {
       {R"([{"member1":-32769}])", "[0].member1: -32769 does not fit a 16-bit signed integer (-32768 to 32767)"},
       {R"([{"member1":18446744073709551615}])",
        "[0].member1: 18446744073709551615 does not fit a 16-bit signed integer (-32768 to 32767)"},
-      {R"([{"member4":1.5}])", "[0].member4: 1.5 does not fit a 8-bit unsigned integer (0 to 255)"},
+      {R"([{"member4":1.5}])", "[0].member4: 1.5 does not fit an 8-bit unsigned integer (0 to 255)"},
       {R"([{"member7":[1,"2"]}])", "[0].member7[1]: expected a 16-bit unsigned integer, found \"2\""},
       {R"([{"member2":1e39}])", "[0].member2: 1e+39 does not fit a 32-bit float"},
       {R"([{"member2":"nan"}])",
@@ -154,6 +157,8 @@ TEST(Values, WhatDoesNotFitIsRefusedWithItsPlace) {
       {R"([{"member6":"00fg00"}])", "[0].member6: no hex digits at position 2 of the string"},
       {R"([{"member8":[]}])", "[0].member8: expected an object, found []"},
       {R"([{"member40":1}])", "[0].member40: no such member; did you mean member0?"},
+      {"[{\"member2\":\"\u009B31m\x7F\"}]",
+       "[0].member2: expected a number, \"NaN\", \"Infinity\" or \"-Infinity\", found \"\\u009b31m\\u007f\""},
       {R"([{"":1}])", "[0].: no such member; did you mean member9?"}};
   for (const auto& [json, refusal] : refusals) {
     EXPECT_EQ(Refusal(json), refusal);

@@ -3,13 +3,14 @@
 
 #include "tools/tarn7/error.h"
 #include "tools/tarn7/front/command_line.h"
+#include "tools/tarn7/values/printable.h"
 
 namespace {
 
 using namespace tarn7::tool;
 
 int Fail(Status status, const std::string& text) {
-  std::cerr << "tarn7: " << text << std::endl;
+  std::cerr << "tarn7: " << Printable(text) << std::endl;
   return static_cast<int>(status);
 }
 

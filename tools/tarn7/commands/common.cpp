@@ -5,6 +5,7 @@
 #include "tools/tarn7/error.h"
 #include "tools/tarn7/library/proxy_service_client.h"
 #include "tools/tarn7/stack/stack_service_client.h"
+#include "tools/tarn7/values/counted.h"
 
 namespace tarn7::tool {
 
@@ -36,7 +37,7 @@ void RequireOneReaderOfStandardInput(std::initializer_list<std::pair<const char*
 void ReportOffer(const Interface& interface, std::uint16_t instance) {
   std::cerr << "offering " << interface.name << ", instance " << instance << ": service 0x" << std::hex
             << interface.service_id << std::dec << ", version " << static_cast<int>(interface.major_version) << '.'
-            << interface.minor_version << ", " << interface.fields.size() << " fields" << std::endl;
+            << interface.minor_version << ", " << Counted(interface.fields.size(), "field") << std::endl;
 }
 
 }  // namespace tarn7::tool

@@ -8,6 +8,7 @@
 #include "tools/tarn7/commands/commands.h"
 #include "tools/tarn7/doctor/checks.h"
 #include "tools/tarn7/error.h"
+#include "tools/tarn7/values/printable.h"
 
 namespace tarn7::tool {
 
@@ -45,7 +46,7 @@ void Doctor(const Context& context, const DoctorOptions& options) {
     context.output.WriteLine(ToJsonText(findings));
   } else {
     for (const Finding& finding : findings) {
-      context.output.WriteLine(ToText(finding));
+      context.output.WriteLine(Printable(ToText(finding)));
     }
   }
   const auto problems = std::count_if(findings.begin(), findings.end(),

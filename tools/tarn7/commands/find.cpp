@@ -5,6 +5,7 @@
 #include "tools/tarn7/commands/commands.h"
 #include "tools/tarn7/error.h"
 #include "tools/tarn7/stack/instance_search.h"
+#include "tools/tarn7/values/counted.h"
 
 namespace tarn7::tool {
 
@@ -99,7 +100,7 @@ void Find(const Context& context, const FindOptions& options) {
   } catch (const ReaderGone&) {
   }
   if (options.follow) {
-    std::cerr << finder.Count() << " instances found" << std::endl;
+    std::cerr << Counted(finder.Count(), "instance") << " found" << std::endl;
   }
 }
 

@@ -9,6 +9,7 @@
 
 #include "tools/tarn7/commands/commands.h"
 #include "tools/tarn7/values/json.h"
+#include "tools/tarn7/values/printable.h"
 
 namespace tarn7::tool {
 
@@ -170,11 +171,11 @@ void List(const Context& context, const ListOptions& options) {
     if (options.as_json) {
       interfaces.push_back(ToJson(selection));
     } else {
-      context.output.WriteLine(ToTable(selection));
+      context.output.WriteLine(Printable(ToTable(selection), "\n"));
     }
   }
   if (options.as_json) {
-    context.output.WriteLine(interfaces.dump(2));
+    context.output.WriteLine(Printable(interfaces.dump(2), "\n"));
   }
 }
 

@@ -10,6 +10,8 @@
 #include "tools/tarn7/library/offered_service.h"
 #include "tools/tarn7/line_reader.h"
 #include "tools/tarn7/model/field_values.h"
+#include "tools/tarn7/values/counted.h"
+#include "tools/tarn7/values/printable.h"
 
 namespace tarn7::tool {
 
@@ -38,7 +40,7 @@ class Offer {
     try {
       Update(ReadFieldValues(line, source, fields_));
     } catch (const std::exception& error) {
-      std::cerr << std::string("passed over: ") + error.what() + '\n' << std::flush;
+      std::cerr << "passed over: " + Printable(error.what()) + '\n' << std::flush;
     }
   }
 
@@ -46,7 +48,7 @@ class Offer {
 
   void Stop() {
     service_.reset();
-    std::cerr << interface_.name << ": " << count_ << " values offered" << std::endl;
+    std::cerr << interface_.name << ": " << Counted(count_, "value") << " offered" << std::endl;
   }
 
  private:

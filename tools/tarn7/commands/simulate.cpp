@@ -6,6 +6,7 @@
 #include "tools/tarn7/error.h"
 #include "tools/tarn7/model/field_values.h"
 #include "tools/tarn7/stack/simulated_service.h"
+#include "tools/tarn7/values/counted.h"
 #include "tools/tarn7/values/moving_value.h"
 
 namespace tarn7::tool {
@@ -50,7 +51,7 @@ class Simulation {
   void Stop() {
     service_->StopOffer();
     const SimulatedService::Counters counters = service_->GetCounters();
-    std::cerr << interface_.name << ": " << counters.gets << " values read, " << counters.sets << " set, "
+    std::cerr << interface_.name << ": " << Counted(counters.gets, "value") << " read, " << counters.sets << " set, "
               << counters.notifications << " notified" << std::endl;
   }
 
@@ -70,7 +71,7 @@ void Run(Loop& loop, std::vector<Simulation>& simulations, Replay& replay, std::
   for (;; now = Loop::Clock::now()) {
     if (now >= nextMove) {
       std::for_each(simulations.begin(), simulations.end(), [](Simulation& simulation) { simulation.Move(); });
-      nextMove += period;
+      nextMove = std::max(nextMove + period, Loop::Clock::now());  // moves that were missed are not made up for
     }
     replay.PlayUntil(now, [&simulations](const Field& field, const Payload& payload) {
       for (Simulation& simulation : simulations) {

@@ -15,6 +15,7 @@
 #include "tools/tarn7/recording/recording.h"
 #include "tools/tarn7/terminal/live_table.h"
 #include "tools/tarn7/terminal/terminal.h"
+#include "tools/tarn7/values/counted.h"
 #include "tools/tarn7/values/payload_text.h"
 
 namespace tarn7::tool {
@@ -46,7 +47,7 @@ class Watcher {
     if (output_.IsTerminal() && !options.as_lines && !options.as_summary) {
       terminal_.emplace(output_);
     } else {
-      std::cerr << "following " << fields_.size() << (fields_.size() == 1 ? " field" : " fields") << std::endl;
+      std::cerr << "following " << Counted(fields_.size(), "field") << std::endl;
     }
   }
 
@@ -67,7 +68,7 @@ class Watcher {
   /// Says on standard error what was seen. Gives the terminal back.
   void Finish() {
     terminal_.reset();
-    std::cerr << samples_ << " samples";
+    std::cerr << Counted(samples_, "sample");
     if (options_.as_summary) {
       std::cerr << ", " << bytes_ << " bytes";
     }
@@ -135,11 +136,10 @@ class Watcher {
 
   /// As Loop::RunUntil, and keeps the table up to date.
   bool RunUntil(Loop::TimePoint deadline, const std::function<bool()>& done) {
-    Loop::TimePoint next = Loop::Clock::now();
-    while (terminal_ && next < deadline) {
+    while (terminal_ && Loop::Clock::now() < deadline) {
       Redraw();
-      next += kRedrawPeriod;
-      if (loop_.RunUntil(std::min(next, deadline), done)) {
+      // From when it is drawn: a slow terminal must leave time for the samples.
+      if (loop_.RunUntil(std::min(Loop::Clock::now() + kRedrawPeriod, deadline), done)) {
         return true;
       }
     }
@@ -156,7 +156,7 @@ class Watcher {
     space.rows -= std::min(space.rows, kRowsBelow);
     auto lines = FormatTable(rows, Loop::Clock::now(), space);
     lines.emplace_back();
-    lines.push_back(std::to_string(samples_) + " samples; Ctrl-C ends");
+    lines.push_back(Counted(samples_, "sample") + "; Ctrl-C ends");
     terminal_->Show(lines);
   }
 

@@ -242,8 +242,10 @@ CommandLine::CommandLine() : syntax_(std::make_unique<Syntax>()) {
   tool.name("tarn7");
   tool.set_version_flag("--version",
                         "tarn7 " + std::string(GetBuildInfo().version) + ", " + GetBuildInfo().StackName());
-  tool.add_option(kModel, request.model_files,
-                  "Model of a further interface, as those in interfaces/model; any number of them")
+  tool.add_option(
+          kModel, request.model_files,
+          "Model of a further interface, as those in interfaces/model; any number of them, before or behind any "
+          "command")
       ->type_name("FILE")
       ->allow_extra_args(false);
   tool.require_subcommand(1);

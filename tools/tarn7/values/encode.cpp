@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "tools/tarn7/values/counted.h"
 #include "tools/tarn7/values/json_checks.h"
 
 namespace tarn7::tool {
@@ -33,7 +34,7 @@ class Encoder {
       case Kind::kBytes: {
         const std::vector<std::uint8_t> bytes = BytesFromHex(json, place);
         if (type.size != 0 && bytes.size() != type.size) {
-          place.Fail("expected exactly " + std::to_string(type.size) + " bytes, found " + std::to_string(bytes.size()));
+          place.Fail("expected exactly " + Counted(type.size, "byte") + ", found " + std::to_string(bytes.size()));
         }
         AppendWithLength(bytes_, [&] { bytes_.insert(bytes_.end(), bytes.begin(), bytes.end()); });
         break;

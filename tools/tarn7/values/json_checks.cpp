@@ -54,9 +54,10 @@ const std::string& StringFromJson(const Json& json, const Place& place) {
 }
 
 std::uint64_t IntegerFromJson(const Json& json, std::size_t bits, bool isSigned, const Place& place) {
-  const std::string name = std::to_string(bits) + (isSigned ? "-bit signed integer" : "-bit unsigned integer");
+  const std::string name =
+      (bits == 8 ? "an " : "a ") + std::to_string(bits) + (isSigned ? "-bit signed integer" : "-bit unsigned integer");
   if (!json.is_number()) {
-    place.Fail("expected a " + name + ", found " + Summary(json));
+    place.Fail("expected " + name + ", found " + Summary(json));
   }
   const std::uint64_t max = std::numeric_limits<std::uint64_t>::max() >> (64 - bits + (isSigned ? 1 : 0));
   const std::int64_t min = isSigned ? -static_cast<std::int64_t>(max) - 1 : 0;
@@ -72,8 +73,7 @@ std::uint64_t IntegerFromJson(const Json& json, std::size_t bits, bool isSigned,
       return static_cast<std::uint64_t>(number);
     }
   }
-  place.Fail(ToText(json) + " does not fit a " + name + " (" + std::to_string(min) + " to " + std::to_string(max) +
-             ")");
+  place.Fail(ToText(json) + " does not fit " + name + " (" + std::to_string(min) + " to " + std::to_string(max) + ")");
 }
 
 std::vector<std::uint8_t> BytesFromHex(const Json& json, const Place& place) {

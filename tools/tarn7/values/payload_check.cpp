@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "serialization/member_view.h"
+#include "tools/tarn7/values/counted.h"
 #include "tools/tarn7/values/place.h"
 
 namespace tarn7::tool {
@@ -143,7 +144,8 @@ class Checker {
 
   void NoteUnread(const Place& place, const Extent& unread) {
     if (unread.size > 0) {
-      notes_.push_back(At(place, unread) + std::to_string(unread.size) + " bytes are passed over");
+      notes_.push_back(At(place, unread) + Counted(unread.size, "byte") + (unread.size == 1 ? " is" : " are") +
+                       " passed over");
     }
   }
 
