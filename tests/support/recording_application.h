@@ -62,10 +62,6 @@ class RecordingApplication : public RestOfApplication {
                     std::uint16_t status) const;
   Call ArriveAvailability(vsomeip::service_t service, vsomeip::instance_t instance, bool available) const;
 
-  /// Answers the oldest question for what is offered that has no answer yet: what was offered here when it was put, and
-  /// what others offer. False when there is none.
-  bool AnswerWhatIsOffered(const std::vector<std::pair<vsomeip::service_t, vsomeip::instance_t>>& by_others);
-
   /// The same, called at once, on the calling thread.
   void Deliver(const std::shared_ptr<vsomeip::message>& message) const { Make(Arrive(message)); }
   void ReportStatus(vsomeip::service_t service, vsomeip::instance_t instance, vsomeip::event_t event,
@@ -75,6 +71,10 @@ class RecordingApplication : public RestOfApplication {
   void ReportAvailability(vsomeip::service_t service, vsomeip::instance_t instance, bool available) const {
     Make(ArriveAvailability(service, instance, available));
   }
+
+  /// Answers the oldest question for what is offered that has no answer yet: what was offered here when it was put, and
+  /// what others offer. False when there is none.
+  bool AnswerWhatIsOffered(const std::vector<std::pair<vsomeip::service_t, vsomeip::instance_t>>& by_others);
 
  protected:
   using Key = std::tuple<std::uint16_t, std::uint16_t, std::uint16_t>;
