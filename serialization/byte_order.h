@@ -3,11 +3,17 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <type_traits>
 
 namespace ara::com::internal::vsomeip::common {
 
 namespace detail {
+
+// What std::byteswap will be. Shifts and masks would do; not every compiler makes one instruction of them everywhere.
+inline std::uint8_t SwapBytes(std::uint8_t bits) noexcept { return bits; }
+inline std::uint16_t SwapBytes(std::uint16_t bits) noexcept { return __builtin_bswap16(bits); }
+inline std::uint32_t SwapBytes(std::uint32_t bits) noexcept { return __builtin_bswap32(bits); }
+inline std::uint64_t SwapBytes(std::uint64_t bits) noexcept { return __builtin_bswap64(bits); }
+
 template <std::size_t Size>
 struct UnsignedOfSize;
 template <>
@@ -26,34 +32,32 @@ template <>
 struct UnsignedOfSize<8> {
   using Type = std::uint64_t;
 };
+
+/// From the host's byte order to big-endian, or back.
+template <typename Bits>
+Bits BigEndian(Bits bits) noexcept {
+  static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ || __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__);
+  return __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? SwapBytes(bits) : bits;
+}
+
 }  // namespace detail
 
 /// Writes a scalar's sizeof(T) bytes to `target`, most significant first. Floating-point values go as their bit
 /// pattern, a bool as the byte that it is stored as.
 template <typename T>
 void StoreBigEndian(const T& value, unsigned char* target) noexcept {
-  using Bits = typename detail::UnsignedOfSize<sizeof(T)>::Type;
-  Bits bits;
+  typename detail::UnsignedOfSize<sizeof(T)>::Type bits;
   std::memcpy(&bits, &value, sizeof(T));
-  for (std::size_t i = sizeof(T); i-- > 0;) {
-    target[i] = static_cast<unsigned char>(bits & 0xFFU);
-    if constexpr (sizeof(T) > 1) {
-      bits = static_cast<Bits>(bits >> 8U);
-    }
-  }
+  bits = detail::BigEndian(bits);
+  std::memcpy(target, &bits, sizeof(T));
 }
 
 /// Reads a scalar's sizeof(T) bytes from `source` into `target`. A bool takes the raw byte.
 template <typename T>
 void LoadBigEndian(const unsigned char* source, T& target) noexcept {
-  using Bits = typename detail::UnsignedOfSize<sizeof(T)>::Type;
-  Bits bits = 0;
-  for (std::size_t i = 0; i < sizeof(T); ++i) {
-    if constexpr (sizeof(T) > 1) {
-      bits = static_cast<Bits>(bits << 8U);
-    }
-    bits = static_cast<Bits>(bits | source[i]);
-  }
+  typename detail::UnsignedOfSize<sizeof(T)>::Type bits;
+  std::memcpy(&bits, source, sizeof(T));
+  bits = detail::BigEndian(bits);
   std::memcpy(&target, &bits, sizeof(T));
 }
 

@@ -55,8 +55,8 @@ class SequenceContainerDeserializer<std::vector<T>> {
   std::vector<T> getValue() const;
 
  private:
-  std::vector<T> ReadScalars(const unsigned char* content, std::uint64_t length) const;
-  std::size_t CountElements(const unsigned char* content, std::uint64_t length) const;
+  static std::vector<T> ReadScalars(const unsigned char* content, std::uint64_t length);
+  static std::size_t CountElements(const unsigned char* content, std::uint64_t length) noexcept;
 
   const unsigned char* data_;
   std::uint64_t size_;
@@ -86,8 +86,7 @@ namespace detail {
 inline constexpr const char* kRecordTooLong = "Deserialization of structure failed, declared size excess data length.";
 inline constexpr const char* kSequenceTooShort = "Deserialization of sequence container failed, insufficient data.";
 
-/// Collects the data ids of the members that a record cannot do without: those that are no Optional. The set stays
-/// empty, and costs no allocation, where every member is optional.
+/// The data ids of the members that a record cannot do without: those that are no Optional.
 struct RequiredMemberCollector {
   std::set<std::uint16_t>& ids;
 
@@ -99,43 +98,66 @@ struct RequiredMemberCollector {
   }
 };
 
-/// Fills the one member whose data id was read; the enumeration of the record passes by all others.
-class MemberDecoder {
+/// Goes through a record's bytes. Applied to the list of the record's members, it fills those that come next: in one
+/// round all of them, where they lie in the order of the list.
+class MemberReader {
  public:
-  explicit MemberDecoder(const MemberView& view) noexcept : view_(view) {}
+  MemberReader(const unsigned char* data, std::uint64_t size) : position_(data), remaining_(size) { Look(); }
 
   template <typename T>
-  void operator()(std::uint16_t dataId, const char*, ara::core::Optional<T>& member) const {
-    if (dataId == view_.dataId) {
+  void operator()(std::uint16_t dataId, const char*, ara::core::Optional<T>& member) {
+    while (IsNext(dataId)) {
       Decode(member);
+      Advance();
     }
   }
   template <typename T>
-  void operator()(std::uint16_t dataId, const char*, T& member) const {
-    if (dataId == view_.dataId) {
+  void operator()(std::uint16_t dataId, const char*, T& member) {
+    while (IsNext(dataId)) {
       ara::core::Optional<T> decoded;
       Decode(decoded);
       member = std::move(*decoded);
+      required_.erase(dataId);
+      Advance();
     }
   }
 
+  bool IsAtEnd() const noexcept { return remaining_ == 0; }
+  std::uint64_t Remaining() const noexcept { return remaining_; }
+  void Advance() {
+    position_ += kTagSize + next_.size;
+    remaining_ -= kTagSize + next_.size;
+    Look();
+  }
+  std::set<std::uint16_t>& Required() noexcept { return required_; }
+
  private:
+  bool IsNext(std::uint16_t dataId) const noexcept { return remaining_ > 0 && next_.dataId == dataId; }
+  void Look() {
+    if (remaining_ > 0) {
+      next_ = ReadMember(position_, remaining_);
+    }
+  }
+
   template <typename T>
   void Decode(ara::core::Optional<T>& member) const {
     if constexpr (kIsScalar<T>) {
       DecodeScalar(member);
     } else {
-      member = Deserializer<T>(view_.data, view_.size).getValue();
+      member = Deserializer<T>(next_.data, next_.size).getValue();
     }
   }
 
   // No exception leaves this function where a scalar that is shorter than its type is to be fatal.
   template <typename T>
   void DecodeScalar(ara::core::Optional<T>& member) const noexcept(TARN7_SHORT_SCALAR_IS_FATAL) {
-    DeserializingEnumerator(view_.data, view_.size)(member);
+    DeserializingEnumerator(next_.data, next_.size)(member);
   }
 
-  MemberView view_;
+  const unsigned char* position_;  // of the next member, if any bytes remain
+  std::uint64_t remaining_;
+  MemberView next_{};
+  std::set<std::uint16_t> required_;
 };
 
 }  // namespace detail
@@ -150,17 +172,16 @@ T Deserializer<T, std::enable_if_t<kIsRecord<T>>>::getValue() const {
     throw std::runtime_error(detail::kRecordTooLong);
   }
   T record{};
-  std::set<std::uint16_t> required;
-  T::enumerate(record, detail::RequiredMemberCollector{required});
-  const unsigned char* position = data_ + kLengthFieldSize;
-  for (std::uint64_t remaining = length; remaining > 0;) {
-    const MemberView member = ReadMember(position, remaining);
-    T::enumerate(record, detail::MemberDecoder(member));
-    required.erase(member.dataId);
-    position += kTagSize + member.size;
-    remaining -= kTagSize + member.size;
+  detail::MemberReader members(data_ + kLengthFieldSize, length);
+  T::enumerate(record, detail::RequiredMemberCollector{members.Required()});
+  while (!members.IsAtEnd()) {
+    const std::uint64_t before = members.Remaining();
+    T::enumerate(record, members);
+    if (members.Remaining() == before) {
+      members.Advance();  // beyond a member with an unknown data id
+    }
   }
-  if (!required.empty()) {
+  if (!members.Required().empty()) {
     throw std::runtime_error("Failed to deserialize required fields");
   }
   return record;
@@ -178,10 +199,15 @@ std::vector<T> SequenceContainerDeserializer<std::vector<T>>::getValue() const {
   } else {
     std::vector<T> elements;
     elements.reserve(CountElements(position, length));
+    std::uint64_t handed = size_ - kLengthFieldSize;  // may be more than the sequence has
     for (std::uint64_t remaining = length; remaining > 0;) {
-      const std::uint64_t extent = kLengthFieldSize + Deserializer<std::uint32_t>(position, remaining).getValue();
-      elements.push_back(Deserializer<T>(position, extent).getValue());
+      elements.push_back(Deserializer<T>(position, handed).getValue());
+      const std::uint64_t extent = kLengthFieldSize + Deserializer<std::uint32_t>(position, handed).getValue();
+      if (extent > remaining) {
+        throw std::runtime_error(detail::kSequenceTooShort);
+      }
       position += extent;
+      handed -= extent;
       remaining -= extent;
     }
     return elements;
@@ -190,7 +216,7 @@ std::vector<T> SequenceContainerDeserializer<std::vector<T>>::getValue() const {
 
 template <typename T>
 std::vector<T> SequenceContainerDeserializer<std::vector<T>>::ReadScalars(const unsigned char* content,
-                                                                          std::uint64_t length) const {
+                                                                          std::uint64_t length) {
   if (length % sizeof(T) != 0) {
     throw std::runtime_error(detail::kSequenceTooShort);
   }
@@ -201,28 +227,21 @@ std::vector<T> SequenceContainerDeserializer<std::vector<T>>::ReadScalars(const 
   return elements;
 }
 
-// Checks every element's extent against the bytes that were handed over and against the sequence, before any is
-// decoded.
+// How many elements there are, for the reservation: as far as their lengths can be followed.
 template <typename T>
 std::size_t SequenceContainerDeserializer<std::vector<T>>::CountElements(const unsigned char* content,
-                                                                         std::uint64_t length) const {
-  std::uint64_t handed = size_ - kLengthFieldSize;
+                                                                         std::uint64_t length) noexcept {
   std::size_t count = 0;
-  for (std::uint64_t remaining = length; remaining > 0; ++count) {
-    if (handed < kLengthFieldSize) {
-      throw std::runtime_error("Deserialization of structure failed, unable to read size.");
-    }
-    const std::uint32_t elementLength = Deserializer<std::uint32_t>(content, handed).getValue();
-    if (elementLength > handed - kLengthFieldSize) {
-      throw std::runtime_error(detail::kRecordTooLong);
-    }
+  while (length >= kLengthFieldSize) {
+    std::uint32_t elementLength = 0;
+    LoadBigEndian(content, elementLength);
     const std::uint64_t extent = kLengthFieldSize + std::uint64_t{elementLength};
-    if (extent > remaining) {
-      throw std::runtime_error(detail::kSequenceTooShort);
+    if (extent > length) {
+      break;
     }
     content += extent;
-    handed -= extent;
-    remaining -= extent;
+    length -= extent;
+    ++count;
   }
   return count;
 }

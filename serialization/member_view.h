@@ -39,15 +39,18 @@ inline std::uint64_t MemberSize(WireType type, const unsigned char* data, std::u
 }
 
 /// Finds the member at `position`, where `remaining` bytes of its record are left. Throws std::runtime_error where the
-/// record ends inside the tag or the length field, or where the member would reach beyond the record: nothing of it is
-/// read then, whether its data id is known or not.
+/// record ends inside the tag, the length field or a number, or where a length reaches beyond the record: nothing of
+/// the member is read then, whether its data id is known or not.
 inline MemberView ReadMember(const unsigned char* position, std::uint64_t remaining) {
   const std::uint16_t tag = Deserializer<std::uint16_t>(position, remaining).getValue();
   const unsigned char* const data = position + kTagSize;
   const std::uint64_t left = remaining - kTagSize;
-  const std::uint64_t size = MemberSize(WireTypeOfTag(tag), data, left);
+  const WireType type = WireTypeOfTag(tag);
+  const std::uint64_t size = MemberSize(type, data, left);
   if (size > left) {
-    throw std::runtime_error("Deserialization of structure failed, declared size excess data length.");
+    throw std::runtime_error(type < WireType::kLength32
+                                 ? kScalarTooShort
+                                 : "Deserialization of structure failed, declared size excess data length.");
   }
   return {DataIdOfTag(tag), data, size};
 }

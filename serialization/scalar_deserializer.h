@@ -9,6 +9,8 @@
 
 namespace ara::com::internal::vsomeip::common {
 
+inline constexpr const char* kScalarTooShort = "Deserialization of trivially copyable type failed, insufficient data!";
+
 /// Reads one value of type T from the start of a byte range. The bytes belong to the caller and must outlive the call.
 template <typename T, typename Enable = void>
 class Deserializer;
@@ -27,7 +29,7 @@ class Deserializer<T, std::enable_if_t<kIsScalar<T>>> {
   }
   void readInto(T& target) const {
     if (size_ < sizeof(T)) {
-      throw std::runtime_error("Deserialization of trivially copyable type failed, insufficient data!");
+      throw std::runtime_error(kScalarTooShort);
     }
     LoadBigEndian(data_, target);
   }

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <string>
 
 #include "core_types/optional.h"
@@ -9,12 +11,14 @@
 namespace ara::com::internal::vsomeip::common {
 
 /// The number of bytes that a value takes on the wire, its own length field included. Shares the member list with the
-/// serializer, so that the output can be reserved exactly.
+/// serializer. Of a value that takes more than `limit` bytes, the answer is some number above `limit`, found without a
+/// walk through all of it.
 template <typename T>
-std::size_t SerializedSize(const T& value);
+std::size_t SerializedSize(const T& value, std::size_t limit = std::numeric_limits<std::size_t>::max());
 
 namespace detail {
 struct MemberSizeEnumerator {
+  std::size_t limit;
   std::size_t size = 0;
 
   template <typename T>
@@ -22,7 +26,7 @@ struct MemberSizeEnumerator {
     if (member) {
       if constexpr (kIsScalar<T>) {
         // Its size needs no look at it, but the serializer will need it next; and memory that is asked for in the order
-        // of its addresses comes faster than with gaps. In values beyond the caches this halves the time.
+        // of its addresses comes faster than with gaps.
         __builtin_prefetch(&*member);
       }
       (*this)(dataId, name, *member);
@@ -30,13 +34,13 @@ struct MemberSizeEnumerator {
   }
   template <typename T>
   void operator()(std::uint16_t, const char*, const T& member) {
-    size += kTagSize + SerializedSize(member);
+    size += kTagSize + SerializedSize(member, limit);
   }
 };
 }  // namespace detail
 
 template <typename T>
-std::size_t SerializedSize(const T& value) {
+std::size_t SerializedSize(const T& value, std::size_t limit) {
   if constexpr (kIsScalar<T>) {
     return sizeof(T);
   } else if constexpr (kIsString<T> || kIsByteArray<T>) {
@@ -47,13 +51,13 @@ std::size_t SerializedSize(const T& value) {
     if constexpr (kIsScalar<Element>) {
       size += value.size() * sizeof(Element);
     } else {
-      for (const Element& element : value) {
-        size += SerializedSize(element);
+      for (auto element = value.begin(); element != value.end() && size <= limit; ++element) {
+        size += SerializedSize(*element, limit);
       }
     }
     return size;
   } else {
-    detail::MemberSizeEnumerator members;
+    detail::MemberSizeEnumerator members{limit};
     T::enumerate(value, members);
     return kLengthFieldSize + members.size;
   }

@@ -53,6 +53,13 @@ TEST(Codec, AllocatesOnlyWhatTheValueIsMadeOf) {
             0U)
       << "a vector with capacity does not grow";
 
+  const std::vector<sample::Everything> large(10'000, record);
+  ByteVector bytes;
+  EXPECT_LE(
+      AllocationsOf([&] { SequenceContainerSerializer<std::vector<sample::Everything>>(large).pushbackTo(bytes); }),
+      4U);
+  EXPECT_LT(bytes.capacity(), bytes.size() + bytes.size() / 8);
+
   // Per record 4 members, the vector of numbers, the nested member, and 5 elements with a member each behind one
   // vector.
   constexpr std::size_t kPerRecord = 4 + 1 + 1 + (1 + 5);

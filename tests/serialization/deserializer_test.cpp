@@ -133,7 +133,8 @@ TEST(Deserializer, ReportsEachMalformedValue) {
       {"00000003 000000", kNoSize},
       {"00000003 00000000", kSequenceShort},            // the element's length field reaches beyond the sequence
       {"00000005 00000000 00 000000", kSequenceShort},  // the second element does
-      {"00000004 00000001 ff", kSequenceShort},
+      {"00000004 00000001 ff", kScalarShort},           // is decoded before its extent is compared
+      {"00000004 00000003 0000 01", kSequenceShort},
       {"00000004 00000001", kRecordLong},
       {"00000004 ffffffff", kRecordLong},
       {"00000004 fffffffc", kRecordLong},
@@ -142,21 +143,21 @@ TEST(Deserializer, ReportsEachMalformedValue) {
       {"00000006 00000002 5009", kScalarShort},             // a 1-byte length field is missing
       {"00000007 00000003 6009 00", kScalarShort},          // inside a 2-byte length field
       {"00000008 00000004 7009 0000", kScalarShort},        // inside the other 4-byte length field
-      {"00000009 00000005 2000 000000", kRecordLong},       // a known member beyond the record
-      {"00000009 00000005 2000 000000 ff", kRecordLong},    // ... though the payload has more
-      {"00000009 00000005 2009 000000", kRecordLong},       // an unknown one
+      {"00000009 00000005 2000 000000", kScalarShort},      // a known member beyond the record
+      {"00000009 00000005 2000 000000 ff", kScalarShort},   // ... though the payload has more
+      {"00000009 00000005 2009 000000", kScalarShort},      // an unknown one
       {"0000000a 00000006 4009 ffffffff", kRecordLong},     // a length that would wrap around
-      {"00000006 00000002 0000", kRecordLong},              // no value at all
+      {"00000006 00000002 0000", kScalarShort},             // no value at all
       {"0000000b 00000007 4008 00000002 00", kRecordLong},  // a nested record beyond its record
       {"00000010 0000000c 4008 00000006 2000 00000001", "no error"},
-      {"0000000f 0000000b 4008 00000005 2000 000000", kRecordLong},  // a nested member beyond the nested record
-      {"00000007 00000003 0008 00", kNoSize},                        // a nested record of one byte
-      {"00000007 00000003 0007 00", kScalarShort},                   // a nested sequence of one byte
-      {"0000000a 00000006 2007 00000001", kSequenceShort},           // a nested sequence longer than its member
-      {"0000000d 00000009 4007 00000003 123400", kSequenceShort},    // no multiple of the element's size
-      {"0000000e 0000000a 4fff 00000004 00000001", kRecordLong},     // a nested element beyond all bytes
-      {"0000000c 00000008 4006 00000002 0708", kSequenceShort},      // a byte array of another size
-      {"0000000a 00000006 2005 00000001", kSequenceShort},           // a string longer than its member
+      {"0000000f 0000000b 4008 00000005 2000 000000", kScalarShort},  // a nested member beyond the nested record
+      {"00000007 00000003 0008 00", kNoSize},                         // a nested record of one byte
+      {"00000007 00000003 0007 00", kScalarShort},                    // a nested sequence of one byte
+      {"0000000a 00000006 2007 00000001", kSequenceShort},            // a nested sequence longer than its member
+      {"0000000d 00000009 4007 00000003 123400", kSequenceShort},     // no multiple of the element's size
+      {"0000000e 0000000a 4fff 00000004 00000001", kRecordLong},      // a nested element beyond all bytes
+      {"0000000c 00000008 4006 00000002 0708", kSequenceShort},       // a byte array of another size
+      {"0000000a 00000006 2005 00000001", kSequenceShort},            // a string longer than its member
   };
   for (const Malformed& malformed : cases) {
     EXPECT_EQ(DecodeError<Everything>(malformed.hex), malformed.error) << malformed.hex;

@@ -77,6 +77,71 @@ TEST(Serializer, AppendsBehindWhatIsThere) {
   EXPECT_EQ(out, Bytes("aabb 01020304 0000000a 00000006 2000 0000002a"));
 }
 
+/// Encodes step by step: content first, then its length inserted in front of it.
+struct StepByStep {
+  ByteVector& out;
+
+  template <typename T>
+  void Append(const T& value) const {
+    const std::size_t start = out.size();
+    if constexpr (kIsString<T> || kIsByteArray<T>) {
+      out.insert(out.end(), value.begin(), value.end());
+    } else if constexpr (kIsSequence<T>) {
+      for (const auto& element : value) {
+        Append(element);
+      }
+    } else if constexpr (kIsRecord<T>) {
+      T::enumerate(value, *this);
+    }
+    if constexpr (kIsScalar<T>) {
+      Serializer<T>(value).pushbackTo(out);
+    } else {
+      Serializer<std::uint32_t>::insertToHelper(out, start, static_cast<std::uint32_t>(out.size() - start));
+    }
+  }
+  template <typename T>
+  void operator()(std::uint16_t dataId, const char*, const ara::core::Optional<T>& member) const {
+    if (member) {
+      Append(MakeTag(WireTypeOf<T>(), dataId));
+      Append(*member);
+    }
+  }
+};
+
+// Large values are divided at every level, and memory is taken by what has been seen: values whose beginning says
+// nothing about the rest.
+TEST(Serializer, WritesLargeValuesLikeSmallOnes) {
+  const sample::Everything small = FullRecord();
+  sample::Everything text;
+  text.member5 = std::string(300'000, 'x');
+  sample::Everything numbers;
+  numbers.member7 = std::vector<std::uint16_t>(100'000, std::uint16_t{0x1234});
+  numbers.member0 = true;
+  sample::Everything nested = small;
+  nested.member4095 = std::vector<sample::Inner>(20'000, sample::Inner{7U});
+  (*nested.member4095)[3].member0.reset();
+  sample::Everything medium = small;
+  medium.member5 = std::string(9'000, 'y');
+
+  std::vector<std::vector<sample::Everything>> values{{nested}, {text, numbers, nested, medium, small}};
+  values.emplace_back(3'000, small);
+  values.emplace_back(20, medium);
+  values.emplace_back(50'000, sample::Everything{}).insert(values.back().begin(), {text, nested});
+  values.emplace_back(50'000, sample::Everything{}).push_back(nested);
+  for (const auto& value : values) {
+    ByteVector expected;
+    StepByStep{expected}.Append(value);
+    EXPECT_TRUE(Encode(value) == expected) << value.size() << " records";
+    EXPECT_LT(Encode(value).capacity(), 32 * expected.size()) << value.size() << " records";
+  }
+  const std::vector<std::string> texts{std::string(70'000, 'a'), "", std::string(9'000, 'b')};
+  ByteVector out;
+  ByteVector expected;
+  Serializer<std::vector<std::string>>(texts).pushbackTo(out);
+  StepByStep{expected}.Append(texts);
+  EXPECT_TRUE(out == expected);
+}
+
 TEST(Serializer, WritesAnErrorCodeAs23Bytes) {
   ByteVector out;
   Serializer<ara::core::ErrorCode>(ara::core::ErrorCode(3, -1, ara::com::GetComErrorDomain())).pushbackTo(out);

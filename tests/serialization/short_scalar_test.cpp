@@ -31,6 +31,7 @@ TEST(ShortScalar, IsFatalOrAnError) {
            "00000007 00000003 0002 2a",                // one byte for a float
            "00000009 00000005 5009 02 002a",           // three, one of them a length, for eight
            "0000000d 00000009 4008 00000003 0000 2a",  // in a nested record
+           "0000000b 00000003 0002 2a 0000000f",       // before an element that reaches beyond the sequence
        }) {
     if (EXPECT_FATAL) {
       EXPECT_DEATH(Decode(hex), kText) << hex;
