@@ -45,8 +45,8 @@ class WeakMethodHandler {
 /// side.
 ARA_PLATFORM_API void registerMethodHandler(std::uint16_t serviceId, std::uint16_t instanceId, std::uint16_t methodId,
                                             MethodHandler handler, bool isField);
-/// Takes one registration back. Where several were made, a handler that holds its object weakly is removed as soon as
-/// that object is gone.
+/// Takes one registration back. Where several were made, a handler that holds its object weakly is removed some time
+/// after that object is gone.
 ARA_PLATFORM_API void unregisterMethodHandler(std::uint16_t serviceId, std::uint16_t instanceId, std::uint16_t methodId,
                                               bool isField);
 

@@ -1,13 +1,13 @@
 #include "platform/include/method_handler.h"
 
 #include <algorithm>
-#include <iterator>
 #include <map>
 #include <mutex>
 #include <tuple>
 #include <utility>
 #include <vector>
 
+#include "ara/com/internal/vsomeip/common/shared_vector.h"
 #include "platform/vsomeipbinding/stack_thread.h"
 
 namespace ara::com::internal::vsomeip::common {
@@ -21,27 +21,16 @@ bool IsDead(const MethodHandler& handler) {
 
 /// The handlers of one method of one service instance.
 struct Method {
-  using Handlers = std::vector<MethodHandler>;
-
-  /// Immutable and replaced as a whole, so that a message is dispatched without a lock and without a copy. Never null.
-  std::shared_ptr<const Handlers> handlers = std::make_shared<const Handlers>();
+  SharedVector<MethodHandler> handlers;
   /// Registrations that have not been taken back. Which handler an unregistration means is not said: so the handlers
   /// may be more than that, until the objects of those that are too many are gone.
   std::size_t count = 0;
 
-  void Add(MethodHandler handler) {
-    auto changed = std::make_shared<Handlers>(*handlers);
-    changed->push_back(std::move(handler));
-    handlers = std::move(changed);
-  }
-
   void Prune() {
-    if (handlers->size() <= count || std::none_of(handlers->begin(), handlers->end(), IsDead)) {
-      return;
+    if (std::any_of(handlers.Get().begin(), handlers.Get().end(), IsDead)) {
+      auto& alive = handlers.Change();
+      alive.erase(std::remove_if(alive.begin(), alive.end(), IsDead), alive.end());
     }
-    auto alive = std::make_shared<Handlers>();
-    std::remove_copy_if(handlers->begin(), handlers->end(), std::back_inserter(*alive), IsDead);
-    handlers = std::move(alive);
   }
 };
 
@@ -64,14 +53,12 @@ class MethodTable {
           [this, method](const std::shared_ptr<::vsomeip::message>& message) { Dispatch(*method, message); });
       found = methods_.emplace(Key{serviceId, instanceId, methodId}, method).first;
     }
-    Method& method = *found->second;
-    method.Prune();
-    method.Add(std::move(handler));
-    ++method.count;
+    found->second->handlers.Change().push_back(std::move(handler));
+    ++found->second->count;
   }
 
   void Unregister(std::uint16_t serviceId, std::uint16_t instanceId, std::uint16_t methodId) {
-    std::shared_ptr<const Method::Handlers> dropped;  // destroyed without the lock: handlers may own objects
+    std::shared_ptr<const std::vector<MethodHandler>> dropped;  // destroyed without the lock: handlers may own objects
     const std::lock_guard<std::mutex> lock(mutex_);
     const auto found = methods_.find({serviceId, instanceId, methodId});
     if (found == methods_.end()) {
@@ -79,11 +66,14 @@ class MethodTable {
     }
     Method& method = *found->second;
     if (--method.count != 0) {
-      method.Prune();
+      // Only when most may be dead, so that the list is not looked through for each of many that go one by one.
+      if (method.handlers.Get().size() > 2 * method.count) {
+        method.Prune();
+      }
       return;
     }
-    // Messages that are already on their way find no handler any more.
-    dropped = std::exchange(method.handlers, std::make_shared<const Method::Handlers>());
+    dropped = method.handlers.Share();
+    method.handlers = {};  // messages that are already on their way find no handler any more
     methods_.erase(found);
     if (const auto application = runtime::StackThread::Get().Running()) {
       application->unregister_message_handler(serviceId, instanceId, methodId);
@@ -94,11 +84,13 @@ class MethodTable {
   using Key = std::tuple<std::uint16_t, std::uint16_t, std::uint16_t>;
 
   void Dispatch(Method& method, const std::shared_ptr<::vsomeip::message>& message) {
-    std::shared_ptr<const Method::Handlers> handlers;
+    std::shared_ptr<const std::vector<MethodHandler>> handlers;
     {
       const std::lock_guard<std::mutex> lock(mutex_);
-      method.Prune();
-      handlers = method.handlers;
+      if (method.handlers.Get().size() > method.count) {
+        method.Prune();
+      }
+      handlers = method.handlers.Share();
     }
     for (const MethodHandler& handler : *handlers) {
       handler(message);

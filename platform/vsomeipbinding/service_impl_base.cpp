@@ -2,7 +2,7 @@
 #include <mutex>
 #include <utility>
 
-#include "ara/com/internal/vsomeip/common/error_payload.h"
+#include "ara/com/internal/vsomeip/common/payload.h"
 #include "ara/com/internal/vsomeip/skeleton/vsomeip_service_impl_base.h"
 #include "platform/vsomeipbinding/rival_check.h"
 #include "platform/vsomeipbinding/stack_thread.h"
@@ -66,7 +66,7 @@ void ServiceImplBase::SendErrorReply(const ara::core::ErrorCode& error, std::sha
   const auto response = stack->create_response(request);
   response->set_message_type(::vsomeip::message_type_e::MT_ERROR);
   response->set_return_code(::vsomeip::return_code_e::E_NOT_OK);
-  response->set_payload(stack->create_payload(common::ErrorPayload(error)));
+  response->set_payload(common::MakePayload(common::ErrorPayload(error)));
   connection.Application()->send(response);
 }
 

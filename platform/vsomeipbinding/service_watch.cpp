@@ -34,20 +34,26 @@ ServiceWatch::ServiceWatch(const VSomeIPServiceMapping::Mapping& mapping)
 
 InstanceIdentifierContainer ServiceWatch::Find(const InstanceIdentifier& wanted) {
   std::unique_lock<std::mutex> lock(mutex_);
-  has_changed_.wait_until(lock, answered_at_the_latest_, [&] { return !PresentLocked(wanted).empty(); });
-  return PresentLocked(wanted);
+  InstanceIdentifierContainer present;
+  has_changed_.wait_until(lock, answered_at_the_latest_, [&] {
+    present = PresentLocked(wanted);
+    return !present.empty();
+  });
+  return present;
 }
 
 void ServiceWatch::AddSearch(std::uint64_t id, const InstanceIdentifier& wanted, ServiceSearch::Handler handler) {
+  const auto search = std::make_shared<ServiceSearch>(wanted, std::move(handler));
   {
     const std::lock_guard<std::mutex> lock(mutex_);
-    searches_.emplace(id, std::make_shared<ServiceSearch>(wanted, std::move(handler)));
+    searches_.emplace(id, search);
+    newcomers_.push_back(search);
   }
   // Has the new search told of the present instances on a thread of the stack.
   application_->register_availability_handler(
       mapping_.GetVSomeIPService(), kNoInstance,
       ::vsomeip::availability_handler_t(
-          [this](::vsomeip::service_t, ::vsomeip::instance_t, bool) { UpdateSearches(); }),
+          [this](::vsomeip::service_t, ::vsomeip::instance_t, bool) { UpdateNewcomers(); }),
       mapping_.GetVSomeIPServiceVersionMajor(), ::vsomeip::ANY_MINOR);
 }
 
@@ -82,6 +88,19 @@ void ServiceWatch::UpdateSearches() {
       searches.push_back(search);
     }
   }
+  Update(searches);
+}
+
+void ServiceWatch::UpdateNewcomers() {
+  std::vector<std::shared_ptr<ServiceSearch>> newcomers;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    newcomers.swap(newcomers_);
+  }
+  Update(newcomers);
+}
+
+void ServiceWatch::Update(const std::vector<std::shared_ptr<ServiceSearch>>& searches) {
   for (const auto& search : searches) {
     search->Update([&] { return Present(search->Wanted()); });
   }
@@ -100,13 +119,14 @@ InstanceIdentifierContainer ServiceWatch::Present(const InstanceIdentifier& want
 }
 
 InstanceIdentifierContainer ServiceWatch::PresentLocked(const InstanceIdentifier& wanted) const {
-  const auto only = common::ToTransportIdentifier(wanted);
-  const bool any = wanted == InstanceIdentifier::Any();
   InstanceIdentifierContainer present;
-  for (const std::uint16_t instance : instances_) {
-    if (any || (only && *only == instance)) {
+  if (wanted == InstanceIdentifier::Any()) {
+    present.reserve(instances_.size());
+    for (const std::uint16_t instance : instances_) {
       present.push_back(common::FromTransportIdentifier(instance));
     }
+  } else if (const auto only = common::ToTransportIdentifier(wanted); only && instances_.count(*only) != 0) {
+    present.push_back(common::FromTransportIdentifier(*only));
   }
   return present;
 }

@@ -7,6 +7,7 @@
 #include <memory>
 #include <mutex>
 #include <set>
+#include <vector>
 
 #include <vsomeip/vsomeip.hpp>
 
@@ -34,6 +35,8 @@ class ServiceWatch {
  private:
   void OnAvailability(std::uint16_t instance, bool available);
   void UpdateSearches();
+  void UpdateNewcomers();
+  void Update(const std::vector<std::shared_ptr<ServiceSearch>>& searches);
   bool Fits(std::uint16_t instance) const;
   InstanceIdentifierContainer Present(const InstanceIdentifier& wanted);
   InstanceIdentifierContainer PresentLocked(const InstanceIdentifier& wanted) const;
@@ -46,6 +49,7 @@ class ServiceWatch {
   std::condition_variable has_changed_;
   std::set<std::uint16_t> instances_;
   std::map<std::uint64_t, std::shared_ptr<ServiceSearch>> searches_;
+  std::vector<std::shared_ptr<ServiceSearch>> newcomers_;  // of the searches, those that have not been told anything
 };
 
 }  // namespace ara::com::internal::vsomeip::runtime

@@ -127,18 +127,20 @@ TEST(FindService, FollowsWhatIsOffered) {
 TEST(Connection, EachFollowerHearsItsChangesAndTheLastReleaseCounts) {
   Provider provider(kUnwatched, 0x21);
   Request one(Instance(0x21)), other(Instance(0x21));
-  Follower early(one);
-  ASSERT_TRUE(early.states.WaitForLast(true));
   {
-    Follower late(one);
-    ASSERT_TRUE(late.states.WaitForLast(true));
-    provider.StopOffer(0x21);
-    EXPECT_TRUE(late.states.WaitForLast(false));
-    EXPECT_TRUE(early.states.WaitForLast(false));
+    Follower early(one);
+    ASSERT_TRUE(early.states.WaitForLast(true));
+    {
+      Follower late(one);
+      provider.StopOffer(0x21);
+      EXPECT_TRUE(late.states.WaitForLast(false));
+      EXPECT_TRUE(early.states.WaitForLast(false));
+      EXPECT_THAT(late.states.Items(), ElementsAre(false));
+    }
+    provider.Offer(0x21);
+    EXPECT_TRUE(early.states.WaitForLast(true));
+    EXPECT_THAT(early.states.Items(), ElementsAre(true, false, true));
   }
-  provider.Offer(0x21);
-  EXPECT_TRUE(early.states.WaitForLast(true));
-  EXPECT_THAT(early.states.Items(), ElementsAre(true, false, true));
 
   const auto receiver = std::make_shared<Receiver>();
   Register(0x21, receiver);
@@ -164,6 +166,15 @@ TEST(MethodHandlers, EveryLivingHandlerGetsEveryMessage) {
   auto one = std::make_shared<Receiver>();
   const auto two = std::make_shared<Receiver>();
   Register(0x31, one);
+  const auto come_and_go = [](const auto&) {  // while the others are being called
+    for (int i = 0; i < 5; ++i) {
+      Register(0x31, std::make_shared<Receiver>());
+    }
+    for (int i = 0; i < 5; ++i) {
+      Unregister(0x31);
+    }
+  };
+  common::registerMethodHandler(kUnwatched, 0x31, kGet, come_and_go, false);
   Register(0x31, two);
   constexpr std::size_t kCalls = 50;
   std::vector<::vsomeip::request_t> sent, sent_by_thread;
@@ -181,6 +192,7 @@ TEST(MethodHandlers, EveryLivingHandlerGetsEveryMessage) {
   Unregister(0x31);  // one's, which lives a little longer
   one.reset();
   EXPECT_TRUE(two->requests.WaitForLast(SendRequest(0x31)));
+  Unregister(0x31);
   Unregister(0x31);
   request.DropServiceInstance();
 }

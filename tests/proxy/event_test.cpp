@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -228,6 +229,13 @@ TEST_F(EventTest, RefusesWhatIsNoNotificationOfThisEvent) {
     application_.Deliver(message);
     EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("Discarding invalid message\n"));
   }
+  testing::internal::CaptureStderr();
+  for (int i = 0; i < 1000; ++i) {
+    application_.Deliver(wrongType);
+    application_.Deliver(foreignClient);
+  }
+  const std::string log = testing::internal::GetCapturedStderr();
+  EXPECT_LT(std::count(log.begin(), log.end(), '\n'), 100) << "a peer does not fill the log";
   const auto returnCode = NotificationOf(4);  // says nothing in a notification
   returnCode->set_return_code(::vsomeip::return_code_e::E_NOT_OK);
   application_.Deliver(returnCode);

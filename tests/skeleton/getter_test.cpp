@@ -115,6 +115,15 @@ TEST_F(GetterTest, DropsInvalidRequestsWithoutAnAnswer) {
     EXPECT_THAT(testing::internal::GetCapturedStderr(),
                 HasSubstr("skeleton/vsomeip_field_impl:handleGet:161: Discarding invalid message\n"));
   }
+  const auto other = RequestTo(0x4050);  // a field whose log no test looks into
+  other->set_interface_version(2);
+  testing::internal::CaptureStderr();
+  for (int i = 0; i < 1000; ++i) {
+    AnswerTo(other);
+    AnswerTo(RequestTo(0x4050));  // which has no handler
+  }
+  const std::string log = testing::internal::GetCapturedStderr();
+  EXPECT_LT(std::count(log.begin(), log.end(), '\n'), 100) << "a peer does not fill the log";
 }
 
 TEST_F(GetterTest, AMissingOrThrowingHandlerIsAnErrorResponse) {

@@ -398,7 +398,9 @@ TEST_F(OfferTest, AValueThatTheStackRefusesIsReportedAndForgotten) {
       throw std::length_error("too long");
     }
   };
-  EXPECT_THROW(skeleton_->rwmStatus.Update(Status(3)), std::length_error);
+  auto refused = Status(3);
+  EXPECT_THROW(skeleton_->rwmStatus.Update(std::move(refused)), std::length_error);
+  EXPECT_EQ(refused, Status(3)) << "who hands a value over keeps it until it is taken";
   application_.on_call = nullptr;
   std::size_t length = 0;
   application_.on_send = [&](const Message& response) { length = response->get_payload()->get_length(); };

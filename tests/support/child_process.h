@@ -55,6 +55,12 @@ class ChildProcess {
     }
   }
 
+  /// Keeps all its threads from running, until Continue().
+  void Suspend() {
+    kill(id_, SIGSTOP);
+    waitpid(id_, nullptr, WUNTRACED);  // until it has stopped
+  }
+  void Continue() { kill(id_, SIGCONT); }
   /// Ends the process without giving it a chance to say good-bye.
   void Kill() {
     kill(id_, SIGKILL);

@@ -91,7 +91,6 @@ class Recorder final : public RecordingApplication {
     Write("notify", service, instance, event, payload->get_length());
     if (on_notify) on_notify(*payload);
   }
-  void notify_one(service_t, instance_t, event_t, Payload, client_t, bool) const override {}
   void send(Message message) override {
     Write("send", message->get_service(), message->get_instance(), message->get_method(),
           message->get_interface_version(), message->get_session());

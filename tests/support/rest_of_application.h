@@ -13,6 +13,8 @@ class RestOfApplication : public vsomeip::application {
  public:
   vsomeip::diagnosis_t get_diagnosis() const override { return 0; }
   void process(int) override {}
+  void notify_one(vsomeip::service_t, vsomeip::instance_t, vsomeip::event_t, std::shared_ptr<vsomeip::payload>,
+                  vsomeip::client_t, bool) const override {}
   vsomeip::security_mode_e get_security_mode() const override { return vsomeip::security_mode_e::SM_OFF; }
   bool are_available(available_t&, vsomeip::service_t, vsomeip::instance_t, vsomeip::major_version_t,
                      vsomeip::minor_version_t) const override {

@@ -27,11 +27,14 @@ class SkeletonField {
   /// service can be offered. Updates from several threads reach the subscribers in the order in which they set the
   /// value. Throws what the stack throws for a value that it cannot send (the embedded one std::length_error, above 16
   /// MiB): the field keeps the former value then.
-  void Update(const T& value) {
-    T next = value;  // also where `value` refers to what is replaced
+  void Update(const T& value) { Update(T(value)); }
+  /// The same without a copy, which of a map's layer takes far longer than its encoding. Where it throws, `value` stays
+  /// as it is.
+  void Update(T&& value) {
+    T former;  // destroyed when no lock is held
     const std::lock_guard<std::mutex> lock(holder_->mutex);
-    SendToBindings(next);
-    std::swap(holder_->value, next);
+    SendToBindings(value);
+    former = std::exchange(holder_->value, std::move(value));
     holder_->has_value = true;
   }
 

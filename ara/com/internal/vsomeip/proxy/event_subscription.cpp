@@ -8,9 +8,10 @@
 #include <optional>
 #include <tuple>
 #include <utility>
-#include <vector>
 
+#include "ara/com/internal/vsomeip/common/log_limit.h"
 #include "ara/com/internal/vsomeip/common/logger.h"
+#include "ara/com/internal/vsomeip/common/shared_vector.h"
 #include "platform/include/connection.h"
 #include "platform/include/message_check.h"
 #include "platform/include/service_availability.h"
@@ -31,8 +32,6 @@ std::shared_ptr<const std::function<void(Arguments...)>> Share(std::function<voi
 /// What the process has one of for each event of a service instance: the subscription at the stack, and the lock.
 class EventSubscription::SharedEvent : public std::enable_shared_from_this<SharedEvent> {
  public:
-  using Members = std::vector<std::shared_ptr<EventSubscription>>;
-
   static std::shared_ptr<SharedEvent> Of(const EventIdentity& identity);
   explicit SharedEvent(const EventIdentity& identity) : identity_(identity) {}
   ~SharedEvent();
@@ -49,13 +48,14 @@ class EventSubscription::SharedEvent : public std::enable_shared_from_this<Share
   /// Unsubscribes at the stack when no member is left that has joined.
   void UnsubscribeIfUnused();
 
-  bool validateMessage(const ::vsomeip::message& message) const;
+  bool validateMessage(const ::vsomeip::message& message);
 
   /// Guards everything in the members, and what is marked so below. Never held across a call into the application
   /// or on the stack.
   std::mutex mutex;
   std::condition_variable handlers_ended;
-  Message latest;  // guarded by mutex; null while there is none, or the provider is away or has refused
+  Message latest;          // guarded by mutex; null while there is none, or the provider is away or has refused
+  std::size_t joined = 0;  // guarded by mutex; members that have joined
 
  private:
   using Key = std::tuple<std::uint16_t, std::uint16_t, std::uint16_t>;  // service, instance, event
@@ -65,18 +65,19 @@ class EventSubscription::SharedEvent : public std::enable_shared_from_this<Share
 
   void TellSubscription(std::uint64_t round, bool isField);
   void TellEnd();
-  bool HasJoinedMember() const;
   void OnMessage(std::uint64_t round, const Message& message);
   void OnStatus(std::uint64_t round, std::uint16_t status);
   void OnAvailability(std::uint64_t round, bool available);
 
   const EventIdentity identity_;
+  common::LogLimit client_id_limit_;
+  common::LogLimit discard_limit_;
 
   std::mutex stack_mutex_;  // serialises what the stack is told, and guards the next two; taken before mutex
   bool is_subscribed_at_stack_ = false;
   std::optional<std::uint64_t> availability_token_;
 
-  std::shared_ptr<const Members> members_ = std::make_shared<const Members>();  // guarded by mutex; replaced as a whole
+  common::SharedVector<std::shared_ptr<EventSubscription>> members_;  // guarded by mutex
   // Guarded by mutex. Counts the subscriptions at the stack that have ended: what it had queued for one of them is not
   // taken for the present one's.
   std::uint64_t round_ = 0;
@@ -119,21 +120,15 @@ EventSubscription::SharedEvent::~SharedEvent() {
 
 void EventSubscription::SharedEvent::Add(const std::shared_ptr<EventSubscription>& member) {
   const std::lock_guard<std::mutex> lock(mutex);
-  auto members = std::make_shared<Members>(*members_);
-  members->push_back(member);
-  members_ = std::move(members);
+  members_.Change().push_back(member);
 }
 
 void EventSubscription::SharedEvent::Remove(const EventSubscription& member) {
   const std::lock_guard<std::mutex> lock(mutex);
-  auto members = std::make_shared<Members>();
-  std::copy_if(members_->begin(), members_->end(), std::back_inserter(*members),
-               [&](const auto& other) { return other.get() != &member; });
-  members_ = std::move(members);
-}
-
-bool EventSubscription::SharedEvent::HasJoinedMember() const {
-  return std::any_of(members_->begin(), members_->end(), [](const auto& member) { return member->joined_; });
+  auto& members = members_.Change();
+  members.erase(
+      std::remove_if(members.begin(), members.end(), [&](const auto& other) { return other.get() == &member; }),
+      members.end());
 }
 
 void EventSubscription::SharedEvent::SubscribeFor(const EventSubscription& member, bool isField) {
@@ -189,7 +184,7 @@ void EventSubscription::SharedEvent::UnsubscribeIfUnused() {
   const std::lock_guard<std::mutex> telling(stack_mutex_);
   {
     const std::lock_guard<std::mutex> lock(mutex);
-    if (!is_subscribed_at_stack_ || HasJoinedMember()) {
+    if (!is_subscribed_at_stack_ || joined != 0) {
       return;
     }
     ++round_;
@@ -223,13 +218,13 @@ void EventSubscription::SharedEvent::TellEnd() {
   tell([&] { application->unregister_message_handler(identity_.service, identity_.instance, identity_.event); });
 }
 
-bool EventSubscription::SharedEvent::validateMessage(const ::vsomeip::message& message) const {
+bool EventSubscription::SharedEvent::validateMessage(const ::vsomeip::message& message) {
   const bool valid = common::checkMessageMetaData(message, identity_.service, identity_.event, identity_.major,
                                                   ::vsomeip::message_type_e::MT_NOTIFICATION,
                                                   ::vsomeip::message_type_e::MT_UNKNOWN, false, false);
   if (message.get_client() != 0) {
-    common::LogWarning(kSource, "validateMessage", __LINE__)
-        << "Incorrect client id: '" << message.get_client() << "', should be " << 0;
+    common::LogWarningWithin(client_id_limit_, kSource, "validateMessage", __LINE__, "Incorrect client id: '",
+                             message.get_client(), "', should be ", 0);
     return false;
   }
   return valid;
@@ -237,7 +232,7 @@ bool EventSubscription::SharedEvent::validateMessage(const ::vsomeip::message& m
 
 void EventSubscription::SharedEvent::OnMessage(std::uint64_t round, const Message& message) {
   if (!validateMessage(*message)) {
-    common::LogWarning(kSource, "onMessage", __LINE__) << "Discarding invalid message";
+    common::LogWarningWithin(discard_limit_, kSource, "onMessage", __LINE__, "Discarding invalid message");
     return;
   }
   std::unique_lock<std::mutex> lock(mutex);
@@ -245,7 +240,7 @@ void EventSubscription::SharedEvent::OnMessage(std::uint64_t round, const Messag
     return;
   }
   latest = message;
-  const auto members = members_;  // as they are now; keeps them alive
+  const auto members = members_.Share();  // as they are now; keeps them alive
   for (const auto& member : *members) {
     if (member->joined_) {
       member->messages_.push_back(message);
@@ -271,7 +266,7 @@ void EventSubscription::SharedEvent::OnStatus(std::uint64_t round, std::uint16_t
   if (!isAccepted) {
     latest = nullptr;
   }
-  const auto members = members_;
+  const auto members = members_.Share();
   for (const auto& member : *members) {
     if (member->joined_) {
       member->setSubscriptionState(isAccepted ? SubscriptionState::kSubscribed : SubscriptionState::kNotSubscribed);
@@ -292,7 +287,7 @@ void EventSubscription::SharedEvent::OnAvailability(std::uint64_t round, bool av
     return;  // the stack subscribes by itself when the provider returns, and then tells the status
   }
   latest = nullptr;
-  const auto members = members_;
+  const auto members = members_.Share();
   for (const auto& member : *members) {
     if (member->joined_ && member->state_ != SubscriptionState::kSubscriptionPending) {
       member->setSubscriptionState(SubscriptionState::kSubscriptionPending);
@@ -323,10 +318,13 @@ void EventSubscription::Subscribe(std::size_t cacheSize, std::shared_ptr<interna
     cache_size_ = cacheSize;
     slots_.swap(slots);
     DropSurplusMessages();
-    if (!std::exchange(joined_, true) && event_->latest != nullptr) {
-      // The stack has sent the field's value when another proxy subscribed, and does not send it again.
-      messages_.push_back(event_->latest);
-      is_value_unannounced_ = true;
+    if (!std::exchange(joined_, true)) {
+      ++event_->joined;
+      if (event_->latest != nullptr) {
+        // The stack has sent the field's value when another proxy subscribed, and does not send it again.
+        messages_.push_back(event_->latest);
+        is_value_unannounced_ = true;
+      }
     }
     setSubscriptionState(SubscriptionState::kSubscriptionPending);
     state_change_calls_.Make(lock, event_->handlers_ended);
@@ -349,7 +347,9 @@ void EventSubscription::Leave() {
   std::deque<Message> dropped;  // destroyed without the lock
   {
     const std::lock_guard<std::mutex> lock(event_->mutex);
-    joined_ = false;
+    if (std::exchange(joined_, false)) {
+      --event_->joined;
+    }
     dropped.swap(messages_);  // now, so that nothing of another subscription goes, and nothing of this one stays
     is_value_unannounced_ = false;
   }

@@ -14,6 +14,7 @@
 
 #include "ara/com/internal/proxy/event.h"
 #include "ara/com/internal/proxy/event_data_container.h"
+#include "ara/com/internal/vsomeip/common/log_limit.h"
 #include "ara/com/internal/vsomeip/common/logger.h"
 #include "ara/com/internal/vsomeip/proxy/event_subscription.h"
 #include "ara/com/internal/vsomeip/proxy/payload_view.h"
@@ -110,8 +111,10 @@ class EventImpl : public virtual internal::proxy::Event<T>, public ProxyImplBase
       const PayloadView payload(message);
       return common::DeserializeFieldValue<T>(payload.Data(), payload.Size());
     } catch (const std::exception& error) {
-      common::LogWarning(kSource, "GetNewSamples", __LINE__)
-          << "(Exception : proxy/vsomeip_event_impl.h) GetNewSamples() deserializer error : " << error.what();
+      static common::LogLimit limit;
+      common::LogWarningWithin(
+          limit, kSource, "GetNewSamples", __LINE__,
+          "(Exception : proxy/vsomeip_event_impl.h) GetNewSamples() deserializer error : ", error.what());
       return std::nullopt;
     }
   }

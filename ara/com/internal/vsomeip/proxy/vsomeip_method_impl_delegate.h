@@ -11,7 +11,9 @@
 
 #include <vsomeip/vsomeip.hpp>
 
+#include "ara/com/internal/vsomeip/common/log_limit.h"
 #include "ara/com/internal/vsomeip/common/logger.h"
+#include "ara/com/internal/vsomeip/common/payload.h"
 #include "ara/com/internal/vsomeip/proxy/payload_view.h"
 #include "core_types/com_error_domain.h"
 #include "core_types/promise.h"
@@ -20,21 +22,12 @@
 #include "platform/include/message_check.h"
 #include "serialization/deserializer.h"
 #include "serialization/error_code_codec.h"
-#include "serialization/serializer.h"
 
 namespace ara::com::internal::vsomeip::proxy {
 
 namespace detail {
 
 inline constexpr const char* kDelegateSource = "proxy/vsomeip_method_impl_delegate";
-
-/// Attaches a field's value to a message.
-template <typename T>
-void AddPayload(runtime::VSomeIPConnection& connection, ::vsomeip::message& message, const T& value) {
-  common::ByteVector bytes;
-  common::SequenceContainerSerializer<T>(value).pushbackTo(bytes);
-  message.set_payload(connection.MessageRuntime()->create_payload(bytes));
-}
 
 /// The value that a response carries, or kNetworkBindingFailure where it cannot be decoded.
 template <typename R>
@@ -43,8 +36,10 @@ ara::core::Result<R> DecodeResult(const ::vsomeip::message& response) {
     const PayloadView payload(response);
     return common::DeserializeFieldValue<R>(payload.Data(), payload.Size());
   } catch (const std::exception& error) {
-    common::LogWarning(kDelegateSource, "SetResult", __LINE__)
-        << "(Exception : proxy/vsomeip_method_impl_delegate.h) SetResult() deserializer error : " << error.what();
+    static common::LogLimit limit;
+    common::LogWarningWithin(
+        limit, kDelegateSource, "SetResult", __LINE__,
+        "(Exception : proxy/vsomeip_method_impl_delegate.h) SetResult() deserializer error : ", error.what());
     return MakeErrorCode(ComErrc::kNetworkBindingFailure);
   }
 }
@@ -57,8 +52,10 @@ inline ara::core::ErrorCode DecodeError(const ::vsomeip::message& response) {
     const auto& domain = common::error_domains::Registry::getDomain(decoded.domainId());
     return ara::core::ErrorCode(decoded.value(), decoded.supportData(), domain);
   } catch (const std::exception& error) {
-    common::LogWarning(kDelegateSource, "SetError", __LINE__)
-        << "(Exception : proxy/vsomeip_method_impl_delegate.h) SetError() deserializer error : " << error.what();
+    static common::LogLimit limit;
+    common::LogWarningWithin(
+        limit, kDelegateSource, "SetError", __LINE__,
+        "(Exception : proxy/vsomeip_method_impl_delegate.h) SetError() deserializer error : ", error.what());
     return MakeErrorCode(ComErrc::kNetworkBindingFailure);
   }
 }
@@ -104,7 +101,7 @@ class MethodImplDelegate {
     request->set_instance(instance_);
     request->set_method(Descriptor::method_id);
     request->set_interface_version(Descriptor::interface_version);
-    (detail::AddPayload(connection, *request, args), ...);
+    (request->set_payload(common::MakePayload(common::ValuePayload(args))), ...);
 
     ara::core::Promise<R> promise;
     auto future = promise.get_future();
@@ -127,7 +124,7 @@ class MethodImplDelegate {
     if (!overtaken.empty()) {
       common::LogWarning(kSource, "startCall", __LINE__)
           << "Request id " << request->get_request() << " has come around: the older call is given up";
-      LogThrown([&] { overtaken.mapped().promise.SetError(MakeErrorCode(ComErrc::kNetworkBindingFailure)); });
+      LogThrown([&] { overtaken.mapped().promise->SetError(MakeErrorCode(ComErrc::kNetworkBindingFailure)); });
     }
     return future;
   }
@@ -135,26 +132,27 @@ class MethodImplDelegate {
   /// Completes the call that a response answers. A response that answers none is dropped.
   void onMessage(const std::shared_ptr<::vsomeip::message>& response) {
     std::unique_lock<std::mutex> lock(mutex_);
-    auto call = TakeCall(response->get_request());
-    if (!call) {
+    CallNode call = pending_calls_.extract(response->get_request());
+    if (call.empty()) {
       return;
     }
     if (is_completing_) {
-      answered_.push_back({std::move(*call), response});
+      answered_.push_back({std::move(call), response});
       return;
     }
     is_completing_ = true;
     lock.unlock();
-    Complete(std::move(*call), *response);
+    Complete(call.mapped(), *response);
     lock.lock();
     while (!answered_.empty()) {
-      AnsweredCall next = std::move(answered_.front());
+      const AnsweredCall next = std::move(answered_.front());
       answered_.pop_front();
       lock.unlock();
-      Complete(std::move(next.call), *next.response);
+      Complete(next.call.mapped(), *next.response);
       lock.lock();
     }
     is_completing_ = false;
+    spare_node_ = std::move(call);
   }
 
   /// Whether a response fits a request: its header the method, its client and session id the request's.
@@ -163,13 +161,15 @@ class MethodImplDelegate {
                                               Descriptor::interface_version, ::vsomeip::message_type_e::MT_RESPONSE,
                                               ::vsomeip::message_type_e::MT_ERROR, true, false);
     if (response.get_client() != request.get_client()) {
-      common::LogWarning(kSource, "validateMessage", __LINE__)
-          << "Incorrect client id:" << response.get_client() << " Vs " << request.get_client();
+      static common::LogLimit limit;
+      common::LogWarningWithin(limit, kSource, "validateMessage", __LINE__,
+                               "Incorrect client id:", response.get_client(), " Vs ", request.get_client());
       valid = false;
     }
     if (response.get_session() != request.get_session()) {
-      common::LogWarning(kSource, "validateMessage", __LINE__)
-          << "Incorrect session id:" << response.get_session() << " Vs " << request.get_session();
+      static common::LogLimit limit;
+      common::LogWarningWithin(limit, kSource, "validateMessage", __LINE__,
+                               "Incorrect session id:", response.get_session(), " Vs ", request.get_session());
       return false;
     }
     return valid;
@@ -180,39 +180,43 @@ class MethodImplDelegate {
 
   struct PendingCall {
     std::shared_ptr<::vsomeip::message> request;
-    ara::core::Promise<R> promise;
+    std::optional<ara::core::Promise<R>> promise;
   };
-
-  struct AnsweredCall {
-    PendingCall call;
-    std::shared_ptr<::vsomeip::message> response;
-  };
-
   using PendingCalls = std::unordered_map<::vsomeip::request_t, PendingCall>;
   using CallNode = typename PendingCalls::node_type;
 
+  struct AnsweredCall {
+    CallNode call;
+    std::shared_ptr<::vsomeip::message> response;
+  };
+
   // With the lock held.
-  void Insert(const std::shared_ptr<::vsomeip::message>& request, ara::core::Promise<R> promise) {
+  void Insert(const std::shared_ptr<::vsomeip::message>& request, ara::core::Promise<R>&& promise) {
     if (spare_node_.empty()) {
       pending_calls_.emplace(request->get_request(), PendingCall{request, std::move(promise)});
       return;
     }
     spare_node_.key() = request->get_request();
-    spare_node_.mapped() = PendingCall{request, std::move(promise)};
+    spare_node_.mapped().request = request;
+    spare_node_.mapped().promise.emplace(std::move(promise));
     pending_calls_.insert(std::move(spare_node_));
   }
 
-  void Complete(PendingCall call, const ::vsomeip::message& response) const {
+  // Leaves nothing of the call.
+  void Complete(PendingCall& call, const ::vsomeip::message& response) const {
     LogThrown([&] {
       if (!validateMessage(*call.request, response)) {
-        common::LogWarning(kSource, "onMessage", __LINE__) << "Discarding invalid message";
-        call.promise.SetError(MakeErrorCode(ComErrc::kNetworkBindingFailure));
+        static common::LogLimit limit;
+        common::LogWarningWithin(limit, kSource, "onMessage", __LINE__, "Discarding invalid message");
+        call.promise->SetError(MakeErrorCode(ComErrc::kNetworkBindingFailure));
       } else if (response.get_return_code() != ::vsomeip::return_code_e::E_OK) {
-        detail::SetError(call.promise, response);
+        detail::SetError(*call.promise, response);
       } else {
-        detail::SetResult(call.promise, response);
+        detail::SetResult(*call.promise, response);
       }
     });
+    call.promise.reset();
+    call.request = nullptr;
   }
 
   // What a continuation throws is logged: it would leave through the stack's thread, and with other calls unanswered,
@@ -226,16 +230,6 @@ class MethodImplDelegate {
     } catch (...) {
       common::LogWarning(kSource, "onMessage", __LINE__) << "A continuation has thrown what is no exception";
     }
-  }
-
-  // With the lock held. Empty when no call waits under that id.
-  std::optional<PendingCall> TakeCall(::vsomeip::request_t id) {
-    std::optional<PendingCall> call;
-    if (CallNode node = pending_calls_.extract(id)) {
-      call = std::move(node.mapped());
-      spare_node_ = std::move(node);
-    }
-    return call;
   }
 
   const std::uint16_t instance_;

@@ -6,9 +6,9 @@
 
 #include "ara/com/internal/skeleton/event.h"
 #include "ara/com/internal/vsomeip/common/logger.h"
+#include "ara/com/internal/vsomeip/common/payload.h"
 #include "platform/include/connection.h"
 #include "platform/include/message_check.h"
-#include "serialization/serializer.h"
 
 namespace ara::com::internal::vsomeip::skeleton {
 
@@ -23,11 +23,9 @@ class EventImpl : public virtual internal::skeleton::Event<T> {
       common::GetLogger().LogFatal() << "Event id " << Descriptor::event_id << " is undefined";
       common::abort();
     }
-    auto& connection = runtime::VSomeIPConnection::instance_;
-    common::ByteVector bytes;
-    common::SequenceContainerSerializer<T>(value).pushbackTo(bytes);
-    connection.Application()->notify(Descriptor::Service::service_id, instance_id_, Descriptor::event_id,
-                                     connection.MessageRuntime()->create_payload(bytes));
+    runtime::VSomeIPConnection::instance_.Application()->notify(Descriptor::Service::service_id, instance_id_,
+                                                                Descriptor::event_id,
+                                                                common::MakePayload(common::ValuePayload(value)));
   }
   std::unique_ptr<T> Allocate() override { return std::make_unique<T>(); }
   void Send(std::unique_ptr<T> sample) override { Send(*sample); }

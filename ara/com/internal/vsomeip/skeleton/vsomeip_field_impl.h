@@ -13,7 +13,7 @@
 
 #include "ara/com/internal/skeleton/field.h"
 #include "ara/com/internal/skeleton/offer_gate.h"
-#include "ara/com/internal/vsomeip/common/logger.h"
+#include "ara/com/internal/vsomeip/common/log_limit.h"
 #include "ara/com/internal/vsomeip/skeleton/vsomeip_event_impl.h"
 #include "ara/com/internal/vsomeip/skeleton/vsomeip_service_impl_base.h"
 #include "core_types/com_error_domain.h"
@@ -64,12 +64,15 @@ class FieldImpl : public EventImpl<T, Descriptor>, public virtual internal::skel
 
    private:
     static void Refuse(const Message& request, const char* reason) {
-      common::LogWarning(kSource, "onRequest", __LINE__)
-          << "(Exception : skeleton/vsomeip_field_impl.h) handleGet() error : " << reason;
+      static common::LogLimit limit;
+      common::LogWarningWithin(limit, kSource, "onRequest", __LINE__,
+                               "(Exception : skeleton/vsomeip_field_impl.h) handleGet() error : ", reason);
       try {
         ServiceImplBase::SendError(MakeErrorCode(ComErrc::kNetworkBindingFailure), request);
       } catch (const std::exception& error) {
-        common::LogWarning(kSource, "onRequest", __LINE__) << "The error cannot be answered: " << error.what();
+        static common::LogLimit unanswered;
+        common::LogWarningWithin(unanswered, kSource, "onRequest", __LINE__,
+                                 "The error cannot be answered: ", error.what());
       }
     }
 
@@ -120,7 +123,8 @@ auto FieldImpl<T, Descriptor>::HandlerOf(const ::vsomeip::message& request) cons
   if (!common::checkMessageMetaData(request, Descriptor::Service::service_id, Descriptor::getter_method_id,
                                     Descriptor::Service::major_version, message_type_e::MT_REQUEST,
                                     message_type_e::MT_REQUEST_NO_RETURN, true, true)) {
-    common::LogWarning(kSource, "handleGet", 161) << "Discarding invalid message";
+    static common::LogLimit limit;
+    common::LogWarningWithin(limit, kSource, "handleGet", 161, "Discarding invalid message");
     return std::nullopt;
   }
   const std::lock_guard<std::mutex> lock(mutex_);

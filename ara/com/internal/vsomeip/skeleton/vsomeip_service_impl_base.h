@@ -16,12 +16,12 @@
 
 #include "ara/com/internal/skeleton/service_impl_base.h"
 #include "ara/com/internal/vsomeip/common/logger.h"
+#include "ara/com/internal/vsomeip/common/payload.h"
 #include "core_types/com_exception.h"
 #include "platform/include/connection.h"
 #include "platform/include/message_check.h"
 #include "platform/include/transport_identifier.h"
 #include "platform/include/visibility.h"
-#include "serialization/serializer.h"
 
 namespace ara::com::internal::vsomeip::skeleton {
 
@@ -78,11 +78,8 @@ class ServiceImplBase : public internal::skeleton::ServiceImplBase {
       return;
     }
     auto& connection = runtime::VSomeIPConnection::instance_;
-    const auto stack = connection.MessageRuntime();
-    common::ByteVector bytes;
-    common::SequenceContainerSerializer<T>(result.value()).pushbackTo(bytes);
-    const auto response = stack->create_response(request);
-    response->set_payload(stack->create_payload(bytes));
+    const auto response = connection.MessageRuntime()->create_response(request);
+    response->set_payload(common::MakePayload(common::ValuePayload(result.value())));
     connection.Application()->send(response);
   }
   static void SendError(const ara::core::ErrorCode& error, const std::shared_ptr<::vsomeip::message>& request) {
