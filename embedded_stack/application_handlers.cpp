@@ -3,46 +3,62 @@
 
 namespace vsomeip_v3::embedded {
 
-void ApplicationImpl::Push(Dispatcher::Task task, std::size_t message_bytes) {
-  if (!dispatcher_.Push(std::move(task), message_bytes)) {
-    drops_.Count(Drop::kQueueFull, "a handler blocks", std::chrono::steady_clock::now());
-  }
+bool ApplicationImpl::PushTask(Dispatcher::Task task) {
+  const bool has_room = dispatcher_->Push(std::move(task));
+  if (!has_room) drops_.Count(Drop::kQueueFull, "a handler blocks", std::chrono::steady_clock::now());
+  return has_room;
 }
 
 void ApplicationImpl::PushMessage(std::shared_ptr<message> message) {
-  const auto slot = handlers_.FindMessage(message->get_service(), message->get_instance(), message->get_method());
+  auto slot = handlers_.FindMessage(message->get_service(), message->get_instance(), message->get_method());
   if (!slot) return;
-  const std::size_t bytes = kHeaderSize + message->get_payload()->get_length();
-  Push(
-      [slot, message = std::move(message)] {
-        if (*slot->registered) slot->call(message);
-      },
-      bytes);
+  const std::size_t bytes = kHeaderSize + message->get_length();
+  PushTask({std::move(slot), std::move(message), nullptr, bytes});
 }
 
-void ApplicationImpl::PushStatus(const ServiceInstance& key, eventgroup_t eventgroup, event_t event, bool accepted) {
+bool ApplicationImpl::PushStatus(const ServiceInstance& key, eventgroup_t eventgroup, event_t event, bool accepted) {
   constexpr std::uint16_t kRejected = 7;
   const std::uint16_t status = accepted ? 0 : kRejected;
+  bool is_told = true;
   for (const auto& slot : handlers_.FindStatus({key.first, key.second, eventgroup, event}, accepted)) {
-    Push([slot, key, eventgroup, event, status] {
+    is_told &= Push([slot, key, eventgroup, event, status] {
       if (*slot->registered) slot->call(key.first, key.second, eventgroup, event, status);
     });
   }
+  return is_told;
 }
 
 void ApplicationImpl::TellStatus(const DiscoveryOutput::SubscriptionStatus& status) {
   const ServiceInstance key{status.service, status.instance};
+  bool is_told = true;
   for (const event_t event : used_events_.SetStatus(key, status.eventgroup, status.accepted)) {
-    PushStatus(key, status.eventgroup, event, status.accepted);
+    is_told &= PushStatus(key, status.eventgroup, event, status.accepted);
   }
+  if (is_told) return;
+  used_events_.SetStatus(key, status.eventgroup, false);  // the next acknowledgement is new again
+  requests_->ForgetAnswer(key, status.eventgroup);
 }
 
 void ApplicationImpl::TellAvailability(const DiscoveryOutput::Availability& change) {
   if (!change.available) used_events_.Lose({change.service, change.instance});
   for (const auto& slot : handlers_.ChangeAvailability(change)) {
-    Push([slot, change] {
+    const bool is_told = Push([slot, change] {
       if (*slot->registered) slot->call(change.service, change.instance, change.available);
     });
+    if (is_told) continue;
+    handlers_.NotTold(slot, change);
+    is_availability_untold_ = true;
+  }
+}
+
+// What has changed meanwhile, and changed back, is not told.
+void ApplicationImpl::TellAvailabilityAgain() {
+  is_availability_untold_ = false;
+  for (const ServiceInstance& key : handlers_.ToldAvailable()) {
+    if (requests_->Find(key) == nullptr) TellAvailability({key.first, key.second, ANY_MAJOR, ANY_MINOR, false});
+  }
+  for (const auto& [key, found] : requests_->Available()) {
+    TellAvailability({key.first, key.second, found.major, found.minor, true});
   }
 }
 

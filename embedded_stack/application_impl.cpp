@@ -30,10 +30,9 @@ ApplicationImpl::ApplicationImpl(std::string name, std::string configuration_fil
     : name_(std::move(name)),
       configuration_file_(std::move(configuration_file)),
       log_(std::make_shared<Log>(name_)),
-      dispatcher_(log_),
+      dispatcher_(std::make_shared<Dispatcher>(log_)),
       drops_(*log_),
-      timer_(io_),
-      sockets_(io_, [this](Sockets::Channel channel, std::size_t socket, const Endpoint& from, ByteView datagram) {
+      sockets_([this](Sockets::Channel channel, std::size_t socket, const Endpoint& from, ByteView datagram) {
         OnDatagram(channel, socket, from, datagram);
       }) {}
 
@@ -54,6 +53,10 @@ bool ApplicationImpl::init() {
     log_->SetLevel(configuration.log_level);
     for (const std::string& warning : configuration.warnings) log_->Warning(warning);
     sockets_.Open(configuration);
+    if (!sockets_.IsDiscoveryExclusive()) {
+      log_->Warning("another program is at the discovery port of all addresses: it may take what is sent to this one");
+    }
+    dispatcher_->Open(sockets_.Descriptor());
     CreateTables(configuration);
   } catch (const std::exception& error) {
     sockets_.Close();
@@ -77,60 +80,57 @@ void ApplicationImpl::CreateTables(const Configuration& configuration) {
   });
   requests_ = std::make_unique<Requests>(configuration.discovery);
   requests_->SetLocalEndpoint(sockets_.LocalEndpoint(0));
-  peers_ = std::make_unique<PeerTable>();
-  queue_ = std::make_unique<SendQueue>();
+  peers_ = std::make_unique<PeerTable>(
+      [this](std::uint32_t peer) { return offers_->HasPeer(peer) || requests_->HasPeer(peer); });
+  netmask_ = sockets_.IsLoopback() ? 0xFF000000 : configuration.netmask;
+  is_availability_untold_ = false;
+  queue_ = std::make_unique<SendQueue>(sockets_.ReceiveBuffer());
+  next_flush_ = kNever;
   reassembler_ = Reassembler();
 }
 
 void ApplicationImpl::start() {
   const auto self = shared_from_this();
-  bool run = false;
-  {
-    const Lock lock(mutex_);
-    if (state_ != State::kReady) {
-      log_->Error("start() needs an application that is initialized and not started");
-      return;
-    }
-    run = !stop_requested_;
-    state_ = run ? State::kRunning : State::kStopping;
-    io_.restart();
-    if (run) sockets_.Start();
+  Lock lock(mutex_);
+  if (state_ != State::kReady) {
+    log_->Error("start() needs an application that is initialized and not started");
+    return;
   }
-  if (run) {
-    Serve();
+  try {
+    if (!stop_requested_) Serve(lock);
+  } catch (const std::exception& error) {  // the system has no thread for us
+    log_->Error("cannot start: ", error.what());
+    dispatcher_ = std::make_shared<Dispatcher>(log_);
   }
-  {
-    const Lock lock(mutex_);
-    timer_.cancel();
-    sockets_.Close();
-  }
-  io_.restart();
-  io_.poll();  // lets the cancelled operations go, which hold the sockets
-  const Lock lock(mutex_);
+  sockets_.Close();
   offers_.reset();
   requests_.reset();
   state_ = State::kNew;
   left_start_.notify_all();
 }
 
-void ApplicationImpl::Serve() {
-  {
-    const Lock lock(mutex_);
-    if (const auto handler = handlers_.State()) {
-      Push([handler] {
-        if (*handler->registered) handler->call(state_type_e::ST_REGISTERED);
-      });
-    }
-    log_->Info("client ", Hex(client_), " at ", boost::asio::ip::address_v4(sockets_.Address()).to_string());
+void ApplicationImpl::Serve(Lock& lock) {
+  state_ = State::kRunning;
+  if (const auto handler = handlers_.State()) {
+    Push([handler] {
+      if (*handler->registered) handler->call(state_type_e::ST_REGISTERED);
+    });
   }
-  dispatcher_.Start();
-  Wake();
-  const auto work = boost::asio::make_work_guard(io_);
-  io_.run();
+  log_->Info("client ", Hex(client_), " at ", AddressText(sockets_.Address()));
+  // A thread may be on its way into the application while stop() ends.
+  dispatcher_->Start([weak = weak_from_this()] {
+    if (const auto self = weak.lock()) self->OnReadable();
+  });
+  while (state_ == State::kRunning) {
+    is_woken_ = false;
+    const TimePoint next = Tick();
+    woken_.wait_until(lock, next, [this] { return is_woken_ || state_ != State::kRunning; });
+  }
 }
 
 void ApplicationImpl::stop() {
   const auto self = shared_from_this();  // start() returns first, and that may have been the last owner
+  std::shared_ptr<Dispatcher> dispatcher;
   {
     const Lock lock(mutex_);
     if (state_ == State::kReady) stop_requested_ = true;
@@ -139,9 +139,10 @@ void ApplicationImpl::stop() {
     DiscoveryOutput out;
     StopTables(out);
     SendEntries(out.entries);
-    io_.stop();
+    woken_.notify_one();
+    dispatcher = std::exchange(dispatcher_, std::make_shared<Dispatcher>(log_));
   }
-  dispatcher_.Stop(kHandlerDeadline);
+  dispatcher->Stop(kHandlerDeadline);
   Lock lock(mutex_);
   left_start_.wait_for(lock, kStartDeadline, [this] { return state_ != State::kStopping; });
 }
@@ -152,7 +153,6 @@ void ApplicationImpl::StopTables(DiscoveryOutput& out) {
   offered_events_.Clear();
   used_events_.Clear();
   handlers_.ForgetAvailability();
-  clients_.clear();
 }
 
 void ApplicationImpl::offer_service(service_t service, instance_t instance, major_version_t major,
@@ -175,7 +175,7 @@ void ApplicationImpl::offer_service(service_t service, instance_t instance, majo
     const TimePoint now = Clock::now();
     offers_->Add(key, {major, minor, endpoint, socket}, now);
     DiscoveryOutput out;
-    requests_->AddLocal(key, {major, minor, endpoint, sockets_.Address(), true, kNever, {}}, now, out);
+    requests_->AddLocal(key, {major, minor, endpoint, sockets_.Address(), true, kNever, now, {}}, now, out);
     Apply(out);
   } catch (const std::exception& error) {
     log_->Error("cannot offer ", NameOf(service, instance), ": ", error.what());
@@ -296,8 +296,8 @@ void ApplicationImpl::RequireTransferable(const payload& payload) {
 }
 
 void ApplicationImpl::send(std::shared_ptr<message> message) {
-  const auto own = std::dynamic_pointer_cast<MessageImpl>(message);
-  if (!own) {
+  auto* const own = dynamic_cast<MessageImpl*>(message.get());
+  if (own == nullptr) {
     log_->Error("send() takes messages that the runtime made");
     return;
   }
@@ -310,37 +310,33 @@ void ApplicationImpl::send(std::shared_ptr<message> message) {
   if (state_ != State::kRunning) {
     log_->Warning("send() before start() or after stop(): message dropped");
   } else if (IsRequest(own->get_message_type())) {
-    SendRequest(*own);
+    SendRequest(message);
   } else if (IsResponse(own->get_message_type())) {
-    SendResponse(*own);
+    SendResponse(message);
   } else {
     log_->Error("send() takes requests and responses: message of ", Hex(own->get_service()), " dropped");
   }
 }
 
-namespace {
-SharedBytes BytesOf(const payload& payload) {
-  const byte_t* const data = payload.get_data();
-  return std::make_shared<const std::vector<std::uint8_t>>(data, data + payload.get_length());
-}
-}  // namespace
-
-void ApplicationImpl::SendRequest(const MessageImpl& request) {
+void ApplicationImpl::SendRequest(const std::shared_ptr<message>& message) {
+  const auto& request = static_cast<const MessageImpl&>(*message);
   const Requests::Instance* instance = requests_->Find({request.get_service(), request.get_instance()});
   if (instance == nullptr) {
     log_->Warning(NameOf(request.get_service(), request.get_instance()), " is not available: request to ",
                   Hex(request.get_method()), " dropped");
     return;
   }
-  Transmit(0, instance->endpoint, request.header(), BytesOf(*request.get_payload()));
+  Transmit({0, instance->endpoint}, request.header(), request.bytes(), [&] { return Keep(message); });
 }
 
-void ApplicationImpl::SendResponse(const MessageImpl& response) {
+void ApplicationImpl::SendResponse(const std::shared_ptr<message>& message) {
+  const auto& response = static_cast<const MessageImpl&>(*message);
   if (!response.origin()) {
     log_->Error("a response needs create_response(): message of ", Hex(response.get_service()), " dropped");
     return;
   }
-  Transmit(response.origin()->socket, response.origin()->peer, response.header(), BytesOf(*response.get_payload()));
+  Transmit({response.origin()->socket, response.origin()->peer}, response.header(), response.bytes(),
+           [&] { return Keep(message); });
 }
 
 }  // namespace vsomeip_v3::embedded

@@ -8,9 +8,6 @@
 #include <thread>
 #include <vector>
 
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/steady_timer.hpp>
-
 #include "embedded_stack/configuration.h"
 #include "embedded_stack/discovery/offers.h"
 #include "embedded_stack/discovery/peer_table.h"
@@ -26,10 +23,11 @@
 
 namespace vsomeip_v3::embedded {
 
-// A node: joins the tables, which know no threads, with the sockets, the timer and the dispatcher.
+// A node: joins the tables, which know no threads, with the sockets, the clock and the dispatcher.
 //
-// One lock guards all tables. It is never held while a handler or any other function of the user runs. The thread in
-// start() does the network's input, discovery and paced output; other output happens in the thread that asks for it.
+// One lock guards all tables. It is never held while a handler or any other function of the user runs. The dispatcher's
+// threads do the network's input, the thread in start() what time brings: discovery and paced output. Other output
+// happens in the thread that asks for it.
 class ApplicationImpl final : public application, public std::enable_shared_from_this<ApplicationImpl> {
  public:
   ApplicationImpl(std::string name, std::string configuration_file);
@@ -51,8 +49,6 @@ class ApplicationImpl final : public application, public std::enable_shared_from
   void stop_offer_event(service_t service, instance_t instance, event_t event) override;
   void notify(service_t service, instance_t instance, event_t event, std::shared_ptr<payload> payload,
               bool force) const override;
-  void notify_one(service_t service, instance_t instance, event_t event, std::shared_ptr<payload> payload,
-                  client_t client, bool force) const override;
 
   void request_service(service_t service, instance_t instance, major_version_t major, minor_version_t minor) override;
   void release_service(service_t service, instance_t instance) override;
@@ -89,25 +85,27 @@ class ApplicationImpl final : public application, public std::enable_shared_from
   enum class State { kNew, kReady, kRunning, kStopping };
 
   // application_impl.cpp: life and calls. Everything below expects the lock to be held, if nothing else is said.
-  void Serve();  // takes the lock; returns after stop()
+  void Serve(Lock& lock);  // returns after stop()
   void CreateTables(const Configuration& configuration);
   void StopTables(DiscoveryOutput& out);
   std::size_t ChooseSocket(const ServiceInstance& key);
-  void SendRequest(const MessageImpl& request);
-  void SendResponse(const MessageImpl& response);
+  void SendRequest(const std::shared_ptr<message>& message);
+  void SendResponse(const std::shared_ptr<message>& message);
   static void RequireTransferable(const payload& payload);
   session_t NextSession();
 
   // application_notify.cpp: values of what is offered here.
-  void Notify(const ServiceInstance& key, event_t event, const std::shared_ptr<payload>& payload, bool force,
-              const client_t* only);  // takes the lock
+  void Notify(const ServiceInstance& key, event_t event, std::shared_ptr<payload> payload,
+              bool force);  // takes the lock
   void SendNotification(const ServiceInstance& key, event_t event, const std::set<Endpoint>& targets);
 
   // application_network.cpp: what comes from the network, and what goes there.
-  void OnDatagram(Sockets::Channel channel, std::size_t socket, const Endpoint& from, ByteView datagram);  // locks
+  void OnReadable();  // takes the lock
+  void OnDatagram(Sockets::Channel channel, std::size_t socket, const Endpoint& from, ByteView datagram);
   void OnDiscovery(bool multicast, const Endpoint& from, ByteView datagram);
   void WarnOfRival(const DiscoveryEntry& offer, std::uint32_t from);
-  void OnDiscoveryEntry(DiscoveryEntry entry, std::uint32_t from, DiscoveryOutput& out);
+  void OnDiscoveryEntry(DiscoveryEntry entry, std::uint32_t from, bool multicast, DiscoveryOutput& out);
+  bool IsInNetwork(std::uint32_t address) const;
   void OnData(std::size_t socket, const Endpoint& from, ByteView datagram);
   void OnMessage(std::size_t socket, const Endpoint& from, const MessageHeader& header, ByteView payload);
   void OnSegment(const Origin& origin, const MessageHeader& header, instance_t instance, ByteView bytes);
@@ -116,27 +114,35 @@ class ApplicationImpl final : public application, public std::enable_shared_from
   void Deliver(const Origin& origin, const MessageHeader& header, instance_t instance,
                std::vector<std::uint8_t> payload);
   void SendError(const Origin& origin, const MessageHeader& request, return_code_e code);
-  void Transmit(std::size_t socket, const Endpoint& to, const MessageHeader& header, SharedBytes payload);
+  // `keep` is asked for the payload's bytes if they cannot go out at once.
+  void Transmit(const SendQueue::Target& target, const MessageHeader& header, ByteView payload,
+                const std::function<SharedBytes()>& keep);
+  void Flush(TimePoint now);
 
   void Apply(const DiscoveryOutput& out);
   void SendEntries(const std::vector<DiscoveryOutput::Outgoing>& entries);
   void TellAvailability(const DiscoveryOutput::Availability& change);
+  void TellAvailabilityAgain();
   void TellStatus(const DiscoveryOutput::SubscriptionStatus& status);
   void SendInitialValues(const DiscoveryOutput::NewSubscriber& subscriber);
-  void PushStatus(const ServiceInstance& key, eventgroup_t eventgroup, event_t event, bool accepted);
+  bool PushStatus(const ServiceInstance& key, eventgroup_t eventgroup, event_t event, bool accepted);
   void PushMessage(std::shared_ptr<message> message);
-  void Push(Dispatcher::Task task, std::size_t message_bytes = 0);
+  // False if it was dropped.
+  bool Push(std::function<void()> function) { return PushTask({nullptr, nullptr, std::move(function), 0}); }
+  bool PushTask(Dispatcher::Task task);
 
-  void Wake();  // makes the thread in start() look at the tables; the lock may be held or not
-  void Tick();  // takes the lock
+  void Wake();       // makes the thread in start() look at the tables
+  TimePoint Tick();  // returns when it has to look again
 
   std::string name_;
   const std::string configuration_file_;
   const std::shared_ptr<Log> log_;
-  Dispatcher dispatcher_;
 
-  mutable std::mutex mutex_;  // guards everything below but io_, which is thread-safe, and timer_
+  mutable std::mutex mutex_;                // guards everything below
+  std::shared_ptr<Dispatcher> dispatcher_;  // another one after each stop()
   std::condition_variable left_start_;
+  std::condition_variable woken_;
+  bool is_woken_ = false;
   State state_ = State::kNew;
   bool stop_requested_ = false;  // before start()
   client_t client_ = 0;
@@ -150,14 +156,11 @@ class ApplicationImpl final : public application, public std::enable_shared_from
   std::unique_ptr<Requests> requests_;  // likewise
   std::unique_ptr<PeerTable> peers_;    // likewise
   port_t discovery_port_ = 0;
-  std::map<client_t, Endpoint> clients_;  // where the requests of a client id came from last, for notify_one()
+  std::uint32_t netmask_ = 0;
+  bool is_availability_untold_ = false;  // to some handler, because the queue was full
   Reassembler reassembler_;
   std::unique_ptr<SendQueue> queue_;
-  TimePoint next_flush_;
-
-  boost::asio::io_context io_;
-  boost::asio::steady_timer timer_;  // used by the thread in start() only
-  std::atomic<bool> wake_pending_{false};
+  TimePoint next_flush_ = kNever;  // when the thread in start() is going to look at the queue
   Sockets sockets_;
 };
 

@@ -1,8 +1,6 @@
 // The part of the application between the tables and the network.
 #include <algorithm>
 
-#include <boost/asio/post.hpp>
-
 #include "embedded_stack/application_impl.h"
 
 namespace vsomeip_v3::embedded {
@@ -11,21 +9,21 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds kFlushInterval{1};
-constexpr std::size_t kMaxClients = 1024;  // remembered for notify_one()
-
 std::string NameOf(const Endpoint& endpoint) {
-  return boost::asio::ip::address_v4(endpoint.address).to_string() + ":" + std::to_string(endpoint.port);
+  return AddressText(endpoint.address) + ":" + std::to_string(endpoint.port);
 }
-
-bool IsLoopback(std::uint32_t address) { return address >> 24U == 127; }
 
 }  // namespace
 
-void ApplicationImpl::OnDatagram(Sockets::Channel channel, std::size_t socket, const Endpoint& from,
-                                 ByteView datagram) {
+void ApplicationImpl::OnReadable() {
   const Lock lock(mutex_);
   if (state_ != State::kRunning) return;
+  sockets_.Receive();
+  dispatcher_->WatchAgain(sockets_.Descriptor());
+}
+
+void ApplicationImpl::OnDatagram(Sockets::Channel channel, std::size_t socket, const Endpoint& from,
+                                 ByteView datagram) {
   if (channel == Sockets::Channel::kData) {
     OnData(socket, from, datagram);
   } else {
@@ -36,25 +34,35 @@ void ApplicationImpl::OnDatagram(Sockets::Channel channel, std::size_t socket, c
 void ApplicationImpl::OnDiscovery(bool multicast, const Endpoint& from, ByteView datagram) {
   const TimePoint now = Clock::now();
   if (multicast && from.address == sockets_.Address()) return;  // our own
-  if (sockets_.IsLoopback() && !IsLoopback(from.address)) return drops_.Count(Drop::kForeignAddress, NameOf(from), now);
+  if (!IsInNetwork(from.address)) return drops_.Count(Drop::kForeignAddress, NameOf(from), now);
   const auto message = DecodeDiscovery(datagram);
   if (!message || from.port != discovery_port_) return drops_.Count(Drop::kBadDiscovery, NameOf(from), now);
 
   DiscoveryOutput out;
-  if (peers_->Heard(from.address, multicast, {message->session, message->reboot}, now)) {
-    offers_->OnPeerRestarted(from.address);
+  if (peers_->Heard(from.address, multicast, {message->session, message->reboot})) {
+    offers_->OnPeerRestarted(from.address, now);
     requests_->OnPeerRestarted(from.address, now, out);
   }
-  for (const DiscoveryEntry& entry : message->entries) OnDiscoveryEntry(entry, from.address, out);
+  for (const DiscoveryEntry& entry : message->entries) OnDiscoveryEntry(entry, from.address, multicast, out);
   for (const Drop drop : out.drops) drops_.Count(drop, NameOf(from), now);
   Apply(out);
   Wake();
 }
 
-void ApplicationImpl::OnDiscoveryEntry(DiscoveryEntry entry, std::uint32_t from, DiscoveryOutput& out) {
+// A node of the loopback range stays within it, so nothing leaves the machine.
+bool ApplicationImpl::IsInNetwork(std::uint32_t address) const {
+  const std::uint32_t host = address & ~netmask_;
+  const bool is_one_node = ~netmask_ <= 1 || (host != 0 && host != ~netmask_);  // not all of them
+  return is_one_node && ((address ^ sockets_.Address()) & netmask_) == 0;
+}
+
+void ApplicationImpl::OnDiscoveryEntry(DiscoveryEntry entry, std::uint32_t from, bool multicast, DiscoveryOutput& out) {
   const TimePoint now = Clock::now();
-  if (entry.udp && sockets_.IsLoopback() && !IsLoopback(entry.udp->address)) {
-    entry.bad_options = true;  // nothing leaves the machine
+  const bool is_own = from == sockets_.Address();
+  // What concerns two nodes goes between them, and we need not tell ourselves what we offer or look for.
+  if (entry.IsEventgroupEntry() ? multicast : is_own) return out.drops.push_back(Drop::kBadDiscovery);
+  if (entry.udp && (!IsInNetwork(entry.udp->address) || (entry.udp->address == sockets_.Address() && !is_own))) {
+    entry.bad_options = true;
     out.drops.push_back(Drop::kForeignAddress);
   }
   switch (entry.type) {
@@ -62,7 +70,7 @@ void ApplicationImpl::OnDiscoveryEntry(DiscoveryEntry entry, std::uint32_t from,
       return offers_->OnFind(entry, from, now, out);
     case EntryType::kOffer:
       WarnOfRival(entry, from);
-      return requests_->OnOffer(entry, from, now, out);
+      return requests_->OnOffer(entry, from, multicast, now, out);
     case EntryType::kSubscribe:
       return offers_->OnSubscribe(entry, from, now, out);
     case EntryType::kAcknowledge:
@@ -77,8 +85,7 @@ void ApplicationImpl::WarnOfRival(const DiscoveryEntry& offer, std::uint32_t fro
   const bool is_usable = offer.ttl != 0 && offer.udp && !offer.bad_options && offer.udp->IsUnicast();
   if (own == nullptr || !is_usable || own->major != offer.major || !offers_->MeetsRival(key)) return;
   offers_->AnnounceAgain(key, Clock::now());  // so that the other one hears of this at once
-  log_->Warning(Hex(offer.service), ".", Hex(offer.instance), " is offered by ",
-                boost::asio::ip::address_v4(from).to_string(),
+  log_->Warning(Hex(offer.service), ".", Hex(offer.instance), " is offered by ", AddressText(from),
                 " as well as by this process. Each client uses one of the two: end one, or offer another instance");
 }
 
@@ -173,10 +180,9 @@ void ApplicationImpl::OnSegment(const Origin& origin, const MessageHeader& heade
 void ApplicationImpl::Deliver(const Origin& origin, const MessageHeader& header, instance_t instance,
                               std::vector<std::uint8_t> payload) {
   const ServiceInstance key{header.service, instance};
-  auto message = std::make_shared<MessageImpl>(header, instance, std::make_shared<PayloadImpl>(std::move(payload)));
+  auto message = std::make_shared<MessageImpl>(header, instance, std::move(payload));
   if (IsRequest(header.Type())) {
     message->set_origin(origin);
-    if (clients_.size() < kMaxClients || clients_.count(header.client) != 0) clients_[header.client] = origin.peer;
     if (!handlers_.FindMessage(header.service, instance, header.method)) {
       return drops_.Count(Drop::kUnknownMethod, NameOf(origin.peer) + " calls " + Hex(header.method), Clock::now());
     }
@@ -191,19 +197,33 @@ void ApplicationImpl::SendError(const Origin& origin, const MessageHeader& reque
   error.protocol_version = kProtocolVersion;
   error.type = static_cast<std::uint8_t>(message_type_e::MT_ERROR);
   error.return_code = static_cast<std::uint8_t>(code);
-  Transmit(origin.socket, origin.peer, error, std::make_shared<const std::vector<std::uint8_t>>());
+  Transmit({origin.socket, origin.peer}, error, {}, [] { return std::make_shared<const std::vector<std::uint8_t>>(); });
 }
 
-void ApplicationImpl::Transmit(std::size_t socket, const Endpoint& to, const MessageHeader& header,
-                               SharedBytes payload) {
-  const SendQueue::Target target{socket, to};
-  const bool at_once = payload->size() <= kMaxUnsegmentedPayload && !queue_->HasJobsFor(target);
-  if (at_once && sockets_.Send(socket, to, EncodeMessage(header, *payload))) return;
-  if (!queue_->Push(target, header, std::move(payload))) {
-    log_->Error("the send queue is full: message of ", Hex(header.service), " to ", NameOf(to), " dropped");
+void ApplicationImpl::Transmit(const SendQueue::Target& target, const MessageHeader& header, ByteView payload,
+                               const std::function<SharedBytes()>& keep) {
+  const TimePoint now = Clock::now();
+  std::size_t sent = 0;
+  for (bool more = queue_->Admit(target, payload.size(), now); more;) {
+    Datagrams datagrams(header, payload, sent);
+    const std::size_t taken = sockets_.Send(target.first, target.second, datagrams);
+    sent += datagrams.PayloadSize(taken);
+    more = taken == datagrams.Count();
+    if (more && sent == payload.size()) return;
+  }
+  if (!queue_->Push(target, header, keep(), sent)) {
+    log_->Error("the send queue is full: message of ", Hex(header.service), " to ", NameOf(target.second), " dropped");
     return;
   }
-  Wake();
+  const TimePoint planned = next_flush_;
+  Flush(now);
+  if (next_flush_ < planned) Wake();
+}
+
+void ApplicationImpl::Flush(TimePoint now) {
+  next_flush_ = queue_->Flush(now, [this](const SendQueue::Target& target, Datagrams& datagrams) {
+    return sockets_.Send(target.first, target.second, datagrams);
+  });
 }
 
 void ApplicationImpl::Apply(const DiscoveryOutput& out) {
@@ -220,12 +240,11 @@ void ApplicationImpl::Apply(const DiscoveryOutput& out) {
 void ApplicationImpl::SendEntries(const std::vector<DiscoveryOutput::Outgoing>& entries) {
   std::map<std::optional<std::uint32_t>, std::vector<DiscoveryEntry>> by_target;
   for (const auto& outgoing : entries) by_target[outgoing.to].push_back(outgoing.entry);
-  const TimePoint now = Clock::now();
   for (const auto& [to, all] : by_target) {
     for (std::size_t at = 0; at < all.size(); at += kMaxEntriesPerMessage) {
       const auto begin = all.begin() + static_cast<std::ptrdiff_t>(at);
       const auto count = static_cast<std::ptrdiff_t>(std::min(kMaxEntriesPerMessage, all.size() - at));
-      const PeerTable::Session session = peers_->Next(to, now);
+      const PeerTable::Session session = peers_->Next(to);
       const auto datagram = EncodeDiscovery({session.id, session.reboot, {begin, begin + count}});
       if (to) {
         sockets_.SendDiscovery(*to, datagram);
@@ -237,38 +256,29 @@ void ApplicationImpl::SendEntries(const std::vector<DiscoveryOutput::Outgoing>& 
 }
 
 void ApplicationImpl::Wake() {
-  if (!wake_pending_.exchange(true)) boost::asio::post(io_, [this] { Tick(); });
+  is_woken_ = true;
+  woken_.notify_one();
 }
 
-void ApplicationImpl::Tick() {
-  wake_pending_ = false;
-  const Lock lock(mutex_);
-  if (state_ != State::kRunning) return;
+TimePoint ApplicationImpl::Tick() {
   const TimePoint now = Clock::now();
   DiscoveryOutput out;
   offers_->Poll(now, out);
   requests_->Poll(now, out);
   Apply(out);
+  if (is_availability_untold_) TellAvailabilityAgain();
   for (const auto& due : offered_events_.Poll(now)) {
     const OfferedEvents::Event* event = offered_events_.Find(due.key, due.id);
     SendNotification(due.key, due.id, offers_->Subscribers(due.key, event->eventgroups, now));
   }
   const std::size_t expired = reassembler_.Expire(now);
   for (std::size_t i = 0; i < expired; ++i) drops_.Count(Drop::kReassemblyLimit, "time", now);
-  if (now >= next_flush_) {
-    queue_->Flush([this](const SendQueue::Target& target, const std::vector<std::uint8_t>& datagram) {
-      return sockets_.Send(target.first, target.second, datagram);
-    });
-    next_flush_ = now + kFlushInterval;
-  }
+  if (now >= next_flush_) Flush(now);
   TimePoint next = std::min({offers_->NextDeadline(), requests_->NextDeadline(), offered_events_.NextDeadline()});
-  if (!queue_->Empty()) next = std::min(next, next_flush_);
+  next = std::min(next, next_flush_);
+  if (is_availability_untold_) next = std::min(next, now + Dispatcher::kPatience);
   if (!reassembler_.Empty()) next = std::min(next, now + Reassembler::kIdleLimit / 2);
-  if (next == kNever) next = now + std::chrono::hours(1);
-  timer_.expires_at(next);
-  timer_.async_wait([this](const boost::system::error_code& error) {
-    if (!error) Tick();
-  });
+  return std::min(next, now + std::chrono::hours(1));
 }
 
 }  // namespace vsomeip_v3::embedded

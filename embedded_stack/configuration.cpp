@@ -1,11 +1,11 @@
 #include "embedded_stack/configuration.h"
 
 #include <algorithm>
+#include <arpa/inet.h>
 #include <fstream>
 #include <functional>
 #include <iterator>
 
-#include <boost/asio/ip/address_v4.hpp>
 #include <nlohmann/json.hpp>
 
 namespace vsomeip_v3::embedded {
@@ -32,6 +32,7 @@ class Reader {
     Members(
         document, "",
         {{"unicast", [this](const Json& value) { configuration_.unicast = Address(value); }},
+         {"netmask", [this](const Json& value) { Netmask(value); }},
          {"applications", [this](const Json& value) { Each(value, [this](const Json& item) { Application(item); }); }},
          {"services", [this](const Json& value) { Each(value, [this](const Json& item) { Service(item); }); }},
          {"service-discovery", [this](const Json& value) { Discovery(value); }},
@@ -103,10 +104,15 @@ class Reader {
   }
 
   std::uint32_t Address(const Json& value) const {
-    boost::system::error_code error;
-    const auto address = boost::asio::ip::make_address_v4(Text(value), error);
-    if (error) Fail("\"" + key_ + "\" must be an IPv4 address");
-    return address.to_uint();
+    in_addr address{};
+    if (inet_pton(AF_INET, Text(value).c_str(), &address) != 1) Fail("\"" + key_ + "\" must be an IPv4 address");
+    return ntohl(address.s_addr);
+  }
+
+  void Netmask(const Json& value) {
+    const std::uint32_t mask = Address(value);
+    if ((~mask & (~mask + 1)) != 0) Fail("\"netmask\" must be ones before zeros");
+    configuration_.netmask = mask;
   }
 
   bool Flag(const Json& value) const {

@@ -31,6 +31,7 @@ struct DiscoverySettings {
 
 struct Configuration {
   std::optional<std::uint32_t> unicast;  // none: a loopback address of the application's own
+  std::uint32_t netmask = 0xFFFFFF00;    // of the network that discovery is limited to; loopback is always one
   std::map<std::string, client_t> client_ids;
   std::map<std::pair<service_t, instance_t>, port_t> ports;
   DiscoverySettings discovery;

@@ -1,11 +1,20 @@
 #include "embedded_stack/dispatcher.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <condition_variable>
+#include <cstring>
 #include <deque>
 #include <exception>
 #include <mutex>
 #include <set>
+#include <stdexcept>
+#include <string>
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
+#include <system_error>
 #include <thread>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -15,137 +24,203 @@ using Clock = std::chrono::steady_clock;
 
 // What the threads share. They own it too, so that a handler that never returned leaves nothing dangling.
 //
-// At most one thread leads, that is, takes tasks. Another takes the lead over when there is work and the leader has
-// been in one handler for too long; the former leader becomes an idle thread when its handler returns.
+// At most one thread leads, that is, takes tasks. All others wait for something to receive, for a call of Wake(), or
+// for the leader to have been in one handler for too long: then one of them takes the lead over. A former leader joins
+// the waiting ones when its handler returns.
 struct Dispatcher::Core : std::enable_shared_from_this<Core> {
   explicit Core(std::shared_ptr<Log> its_log) : log(std::move(its_log)) {}
+  ~Core() {
+    if (poll >= 0) close(poll);
+    if (wake >= 0) close(wake);
+  }
 
+  void Control(int operation, int descriptor, std::uint32_t events) const;
   void Run();
-  bool WaitForLead(std::unique_lock<std::mutex>& lock);
+  bool CanLead() const { return waiting > 1 || threads.size() <= kMaxHandlers; }  // one must stay to receive
+  bool MayLead() const;
   void Lead(std::unique_lock<std::mutex>& lock);
-  void AddThread();
+  void Await(std::unique_lock<std::mutex>& lock);
+  void Wake() const;
+  bool AddThread();
 
-  std::shared_ptr<Log> log;
-  std::mutex mutex;  // guards everything below
-  std::condition_variable work;
+  const std::shared_ptr<Log> log;
+  int poll = -1;      // set by Open()
+  int wake = -1;      // an eventfd, likewise
+  Receiver receiver;  // set before the first thread
+  std::mutex mutex;   // guards everything below
   std::condition_variable finished_changed;
-  std::deque<std::pair<Task, std::size_t>> tasks;  // and the bytes of the message in each
+  std::deque<Task> tasks;
   std::size_t message_bytes = 0;
   std::vector<std::thread> threads;
   std::set<std::thread::id> finished;
   std::thread::id leader;  // none: nobody leads
   Clock::time_point task_began;
-  bool is_watched = false;  // an idle thread waits for the leader's patience to run out
-  std::size_t idle = 0;
+  bool is_watched = false;  // a waiting thread looks when the leader's patience has run out
+  std::size_t waiting = 0;  // threads that are not in a handler
+  bool is_short_of_threads = false;
   bool stopping = false;
 };
 
-void Dispatcher::Core::AddThread() {
-  threads.emplace_back([self = shared_from_this()] { self->Run(); });
+namespace {
+
+[[noreturn]] void Fail(const char* what) { throw std::runtime_error(std::string(what) + ": " + std::strerror(errno)); }
+
+// What this thread receives for: it looks at the tasks anyway when that is done.
+thread_local const void* receiving_for = nullptr;
+
+void Call(Dispatcher::Task& task) {
+  if (task.function) return task.function();
+  if (*task.handler->registered) task.handler->call(task.message);
+}
+
+}  // namespace
+
+// Each event goes to one thread.
+void Dispatcher::Core::Control(int operation, int descriptor, std::uint32_t events) const {
+  epoll_event event{};
+  event.events = events;
+  event.data.fd = descriptor;
+  if (epoll_ctl(poll, operation, descriptor, &event) != 0 && operation == EPOLL_CTL_ADD) Fail("cannot wait for input");
+}
+
+void Dispatcher::Core::Wake() const {
+  const std::uint64_t one = 1;
+  if (wake >= 0 && write(wake, &one, sizeof one) < 0) log->Error("cannot wake a thread: ", std::strerror(errno));
+}
+
+// Without another one, the only thread runs the handler itself and receives again after that.
+bool Dispatcher::Core::AddThread() {
+  try {
+    threads.emplace_back([self = shared_from_this()] { self->Run(); });
+  } catch (const std::system_error& error) {
+    if (!std::exchange(is_short_of_threads, true)) log->Error("cannot start a thread: ", error.what());
+    return false;
+  }
+  is_short_of_threads = false;
+  ++waiting;
+  return true;
 }
 
 void Dispatcher::Core::Run() {
   std::unique_lock<std::mutex> lock(mutex);
-  while (WaitForLead(lock)) Lead(lock);
+  while (!stopping) {
+    if (MayLead()) {
+      Lead(lock);
+    } else {
+      Await(lock);
+    }
+  }
   finished.insert(std::this_thread::get_id());
   finished_changed.notify_all();
 }
 
-// False when it is time to end.
-bool Dispatcher::Core::WaitForLead(std::unique_lock<std::mutex>& lock) {
-  ++idle;
-  while (!stopping) {
-    const bool has_leader = leader != std::thread::id{};
-    if (!tasks.empty() && (!has_leader || Clock::now() >= task_began + kPatience)) break;
-    if (tasks.empty() || is_watched) {
-      work.wait(lock);
-    } else {
-      is_watched = true;
-      work.wait_until(lock, task_began + kPatience);
-      is_watched = false;
-    }
-  }
-  --idle;
-  return !stopping;
+bool Dispatcher::Core::MayLead() const {
+  if (tasks.empty() || !CanLead()) return false;
+  return leader == std::thread::id{} || Clock::now() >= task_began + kPatience;
 }
 
 void Dispatcher::Core::Lead(std::unique_lock<std::mutex>& lock) {
   leader = std::this_thread::get_id();
-  if (idle == 0 && threads.size() < kMaxThreads) AddThread();
+  if (waiting == 1) AddThread();
+  --waiting;
   while (leader == std::this_thread::get_id() && !tasks.empty() && !stopping) {
-    Task task = std::move(tasks.front().first);
-    message_bytes -= tasks.front().second;
+    Task task = std::move(tasks.front());
+    message_bytes -= task.message_bytes;
     tasks.pop_front();
     task_began = Clock::now();
-    if (!tasks.empty() && !is_watched) work.notify_one();
+    if (!tasks.empty() && !is_watched) Wake();
     lock.unlock();
     try {
-      task();
+      Call(task);
     } catch (const std::exception& error) {
       log->Error("a handler threw an exception: ", error.what());
     } catch (...) {
       log->Error("a handler threw something that is no exception");
     }
-    task = nullptr;  // what it holds may call back, so not under the lock
+    task = {};  // what it holds may call back, so not under the lock
     lock.lock();
   }
-  if (leader == std::this_thread::get_id()) {
-    leader = {};
-    if (!tasks.empty()) work.notify_one();
-  }
+  ++waiting;
+  if (leader == std::this_thread::get_id()) leader = {};
 }
 
-Dispatcher::Dispatcher(std::shared_ptr<Log> log) : log_(std::move(log)), core_(std::make_shared<Core>(log_)) {}
+void Dispatcher::Core::Await(std::unique_lock<std::mutex>& lock) {
+  const bool watches = !tasks.empty() && !is_watched && CanLead();
+  int timeout = -1;
+  if (watches) {
+    is_watched = true;
+    const auto rest = std::chrono::ceil<std::chrono::milliseconds>(task_began + kPatience - Clock::now());
+    timeout = static_cast<int>(std::max(rest.count(), std::chrono::milliseconds::rep{1}));
+  }
+  lock.unlock();
+  epoll_event event{};
+  if (epoll_wait(poll, &event, 1, timeout) > 0 && event.data.fd != wake) {
+    receiving_for = this;
+    receiver();
+    receiving_for = nullptr;
+  }
+  lock.lock();
+  if (watches) is_watched = false;
+}
+
+Dispatcher::Dispatcher(std::shared_ptr<Log> log) : core_(std::make_shared<Core>(std::move(log))) {}
 
 Dispatcher::~Dispatcher() { Stop(kPatience); }
 
-void Dispatcher::Start() {
-  const std::lock_guard<std::mutex> guard(mutex_);
-  const std::lock_guard<std::mutex> lock(core_->mutex);
-  if (core_->threads.empty()) core_->AddThread();
+void Dispatcher::Open(int descriptor) {
+  if (core_->poll < 0) core_->poll = epoll_create1(EPOLL_CLOEXEC);
+  if (core_->poll < 0) Fail("cannot wait for input");
+  if (core_->wake < 0) {
+    core_->wake = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    if (core_->wake < 0) Fail("cannot wait for input");
+    core_->Control(EPOLL_CTL_ADD, core_->wake, EPOLLIN | EPOLLET);  // one thread for each Wake(), nothing to be read
+  }
+  core_->Control(EPOLL_CTL_ADD, descriptor, EPOLLIN | EPOLLONESHOT);
 }
 
-bool Dispatcher::Push(Task task, std::size_t message_bytes) {
-  std::shared_ptr<Core> core;
-  {
-    const std::lock_guard<std::mutex> guard(mutex_);
-    core = core_;
-  }
-  const std::lock_guard<std::mutex> lock(core->mutex);
-  if (core->tasks.size() >= (message_bytes > 0 ? kMaxMessages : kMaxTasks)) return false;
-  if (message_bytes > kMaxMessageBytes - core->message_bytes) return false;
-  core->message_bytes += message_bytes;
-  core->tasks.emplace_back(std::move(task), message_bytes);
+void Dispatcher::Start(Receiver receiver) {
+  const std::lock_guard<std::mutex> lock(core_->mutex);
+  core_->receiver = std::move(receiver);
+  if (!core_->stopping && !core_->AddThread()) throw std::runtime_error("no thread to receive with");
+}
+
+void Dispatcher::WatchAgain(int descriptor) { core_->Control(EPOLL_CTL_MOD, descriptor, EPOLLIN | EPOLLONESHOT); }
+
+bool Dispatcher::Push(Task task) {
+  Core& core = *core_;
+  const std::lock_guard<std::mutex> lock(core.mutex);
+  if (core.tasks.size() >= (task.message_bytes > 0 ? kMaxMessages : kMaxTasks)) return false;
+  if (task.message_bytes > kMaxMessageBytes - core.message_bytes) return false;
+  core.message_bytes += task.message_bytes;
+  core.tasks.push_back(std::move(task));
   // While a handler runs, only a thread that watches it is needed, and that one needs no further call.
-  if (core->leader == std::thread::id{} || !core->is_watched) core->work.notify_one();
+  const bool needs_thread = core.leader == std::thread::id{} || !core.is_watched;
+  if (needs_thread && receiving_for != &core) core.Wake();
   return true;
 }
 
 void Dispatcher::Stop(std::chrono::milliseconds deadline) {
-  std::shared_ptr<Core> core = std::make_shared<Core>(log_);
-  {
-    const std::lock_guard<std::mutex> guard(mutex_);
-    core.swap(core_);
-  }
-  std::deque<std::pair<Task, std::size_t>> forgotten;  // destroyed without a lock
+  std::deque<Task> forgotten;  // destroyed without a lock
   std::vector<std::thread> threads;
   std::set<std::thread::id> finished;
   {
-    std::unique_lock<std::mutex> lock(core->mutex);
-    core->stopping = true;
-    core->work.notify_all();
-    forgotten.swap(core->tasks);
-    const auto all_ended = [&core] {
-      for (const std::thread& thread : core->threads) {
-        if (thread.get_id() != std::this_thread::get_id() && core->finished.count(thread.get_id()) == 0) return false;
+    std::unique_lock<std::mutex> lock(core_->mutex);
+    core_->stopping = true;
+    if (core_->wake >= 0) core_->Control(EPOLL_CTL_MOD, core_->wake, EPOLLIN);  // one thread after the other
+    core_->Wake();
+    forgotten.swap(core_->tasks);
+    core_->message_bytes = 0;
+    const auto all_ended = [this] {
+      for (const std::thread& thread : core_->threads) {
+        if (thread.get_id() != std::this_thread::get_id() && core_->finished.count(thread.get_id()) == 0) return false;
       }
       return true;
     };
-    if (!core->finished_changed.wait_for(lock, deadline, all_ended)) {
-      log_->Error("a handler did not return in time for stop(); it is left running");
+    if (!core_->finished_changed.wait_for(lock, deadline, all_ended)) {
+      core_->log->Error("a handler did not return in time for stop(); it is left running");
     }
-    threads.swap(core->threads);
-    finished = core->finished;
+    threads.swap(core_->threads);
+    finished = core_->finished;
   }
   for (std::thread& thread : threads) {
     if (finished.count(thread.get_id()) != 0) {

@@ -4,18 +4,29 @@
 #include <functional>
 #include <memory>
 
+#include "embedded_stack/handlers.h"
 #include "embedded_stack/log.h"
 
 namespace vsomeip_v3::embedded {
 
-// Runs handlers one after the other, in the order in which they were pushed. When one takes too long, the next one
-// runs beside it on another thread, up to ten. Thread-safe.
+// Threads that receive, and that run handlers one after the other, in the order in which they were pushed. The thread
+// that has received something runs what that brings about itself: no other one needs to wake up. There is always one
+// left that receives. When a handler takes too long, the next one runs beside it on another thread, up to ten.
+// Thread-safe, but for Open(). Started and stopped once.
 class Dispatcher {
  public:
-  using Task = std::function<void()>;
+  // One of the two: the call of a message handler, if it is still registered, or any function.
+  struct Task {
+    SlotPointer<message_handler_t> handler;
+    std::shared_ptr<vsomeip_v3::message> message;
+    std::function<void()> function;
+    std::size_t message_bytes = 0;
+  };
+  // Called when there is something to receive, and not again before WatchAgain(): one thread receives at a time.
+  using Receiver = std::function<void()>;
 
-  static constexpr std::chrono::milliseconds kPatience{100};  // then a handler is overtaken
-  static constexpr std::size_t kMaxThreads = 10;
+  static constexpr std::chrono::milliseconds kPatience{100};    // then a handler is overtaken
+  static constexpr std::size_t kMaxHandlers = 10;               // that run
   static constexpr std::size_t kMaxMessages = 8192;             // waiting
   static constexpr std::size_t kMaxMessageBytes = 128U << 20U;  // in them
   static constexpr std::size_t kMaxTasks = 65536;               // of any kind
@@ -25,21 +36,23 @@ class Dispatcher {
   Dispatcher(const Dispatcher&) = delete;
   Dispatcher& operator=(const Dispatcher&) = delete;
 
-  // Tasks pushed before are kept until then.
-  void Start();
+  // Before Start(). The descriptor can be read from when there is something to receive; until it is closed. Throws
+  // std::runtime_error.
+  void Open(int descriptor);
+  void WatchAgain(int descriptor);
+  // Tasks pushed before are kept until then. The receiver may be called for as long as a handler, or it itself, takes
+  // to return after Stop(). Throws std::runtime_error if there is no thread to be had.
+  void Start(Receiver receiver);
 
-  // False if the queue is full, which it is sooner for messages than for everything else. `message_bytes` is 0 for
-  // everything else.
-  bool Push(Task task, std::size_t message_bytes);
+  // False if the queue is full, which it is sooner for messages than for everything else.
+  bool Push(Task task);
 
   // Forgets what waits, and waits for what runs until the deadline, except for a handler that calls this itself.
   void Stop(std::chrono::milliseconds deadline);
 
  private:
   struct Core;
-  std::shared_ptr<Log> log_;
-  std::mutex mutex_;  // guards core_, which a stop replaces
-  std::shared_ptr<Core> core_;
+  const std::shared_ptr<Core> core_;
 };
 
 }  // namespace vsomeip_v3::embedded

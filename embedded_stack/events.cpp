@@ -46,11 +46,12 @@ bool OfferedEvents::HasEventgroup(const ServiceInstance& key, eventgroup_t event
 bool OfferedEvents::SetValue(const ServiceInstance& key, event_t id, SharedBytes value, bool force, TimePoint now) {
   Event& event = events_.at(key).at(id);
   const bool is_field = event.type == event_type_e::ET_FIELD;
-  const bool unchanged = is_field && event.value && !event.has_changed && *event.value == *value;
+  const bool unchanged = is_field && event.value && *event.value == *value;
   if (unchanged && !force && event.cycle.count() == 0) return false;
   event.value = std::move(value);
   if (event.cycle.count() > 0 && (event.next_cycle == kNever || event.change_resets_cycle)) {
     event.next_cycle = now + event.cycle;
+    next_ = std::min(next_, event.next_cycle);
   }
   return event.update_on_change || force;
 }
@@ -69,22 +70,18 @@ std::vector<event_t> OfferedEvents::FieldsOf(const ServiceInstance& key, eventgr
 
 std::vector<OfferedEvents::Due> OfferedEvents::Poll(TimePoint now) {
   std::vector<Due> due;
+  if (now < next_) return due;
+  next_ = kNever;
   for (auto& [key, events] : events_) {
     for (auto& [id, event] : events) {
-      if (event.next_cycle > now) continue;
-      event.next_cycle = now + event.cycle;
-      due.push_back({key, id});
+      if (event.next_cycle <= now) {
+        event.next_cycle = now + event.cycle;
+        due.push_back({key, id});
+      }
+      next_ = std::min(next_, event.next_cycle);
     }
   }
   return due;
-}
-
-TimePoint OfferedEvents::NextDeadline() const {
-  TimePoint next = kNever;
-  for (const auto& [key, events] : events_) {
-    for (const auto& [id, event] : events) next = std::min(next, event.next_cycle);
-  }
-  return next;
 }
 
 void UsedEvents::Request(const ServiceInstance& key, event_t id, const std::set<eventgroup_t>& eventgroups,

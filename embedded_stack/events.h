@@ -9,7 +9,7 @@
 
 #include "embedded_stack/discovery/output.h"
 #include "embedded_stack/net/send_queue.h"
-#include "vsomeip/handler.hpp"
+#include "vsomeip/message.hpp"
 
 namespace vsomeip_v3::embedded {
 
@@ -22,8 +22,7 @@ class OfferedEvents {
     std::chrono::milliseconds cycle{0};
     bool change_resets_cycle = false;
     bool update_on_change = true;
-    epsilon_change_func_t has_changed;  // none: compare the bytes
-    SharedBytes value;                  // null until the first notification
+    SharedBytes value;  // null until the first notification
     TimePoint next_cycle = kNever;
   };
 
@@ -48,10 +47,11 @@ class OfferedEvents {
   };
   // The events whose cycle is over.
   std::vector<Due> Poll(TimePoint now);
-  TimePoint NextDeadline() const;
+  TimePoint NextDeadline() const { return next_; }
 
  private:
   std::map<ServiceInstance, std::map<event_t, Event>> events_;
+  TimePoint next_ = kNever;  // not later than any cycle is over
 };
 
 // The events that are used here: which ones are requested and subscribed, and the last values of the fields, for

@@ -78,6 +78,24 @@ std::vector<SlotPointer<availability_handler_t>> Handlers::ChangeAvailability(co
   return concerned;
 }
 
+void Handlers::NotTold(const SlotPointer<availability_handler_t>& slot, const Available& change) {
+  const ServiceInstance key{change.service, change.instance};
+  for (auto& [handler_key, entry] : availability_) {
+    if (entry.slot != slot) continue;
+    if (change.available) {
+      entry.available.erase(key);
+    } else {
+      entry.available.insert(key);
+    }
+  }
+}
+
+std::set<ServiceInstance> Handlers::ToldAvailable() const {
+  std::set<ServiceInstance> all;
+  for (const auto& [key, entry] : availability_) all.insert(entry.available.begin(), entry.available.end());
+  return all;
+}
+
 void Handlers::SetStatus(const StatusKey& key, const subscription_status_handler_t& handler, bool is_selective) {
   StatusEntry& entry = status_[key];
   Replace(entry.slot, handler);

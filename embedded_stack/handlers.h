@@ -49,6 +49,9 @@ class Handlers {
   void RemoveAvailability(const AvailabilityKey& key);
   // The handlers for which this is a change.
   std::vector<SlotPointer<availability_handler_t>> ChangeAvailability(const Available& change);
+  // That handler could not be called: it is a change for it still.
+  void NotTold(const SlotPointer<availability_handler_t>& slot, const Available& change);
+  std::set<ServiceInstance> ToldAvailable() const;
   static bool Concerns(const AvailabilityKey& key, const Available& change);
 
   void SetStatus(const StatusKey& key, const subscription_status_handler_t& handler, bool is_selective);

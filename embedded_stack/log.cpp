@@ -9,7 +9,7 @@ constexpr std::array<const char*, 5> kLevelNames = {"none", "error", "warning", 
 constexpr std::array<const char*, static_cast<std::size_t>(Drop::kCount)> kDropNames = {
     "malformed message",
     "unusable discovery message",
-    "address outside of the loopback range",
+    "discovery from, or for, an address that it must not name",
     "segment out of place",
     "unfinished segmented message",
     "response or notification that nobody waits for",

@@ -54,7 +54,7 @@ std::string Hex(std::uint16_t value);
 enum class Drop : std::size_t {
   kMalformed,        // header or length wrong
   kBadDiscovery,     // a discovery message that cannot be understood, or from a port that is not discovery's
-  kForeignAddress,   // discovery from, or naming, an address outside of the loopback range while this node is inside
+  kForeignAddress,   // discovery from, or naming, an address outside of this node's network, or naming its own
   kBadSegment,       // a segment that does not continue its message
   kReassemblyLimit,  // too many or too large unfinished messages, or unfinished for too long
   kNobodyAsked,      // a response or notification from no service that is used, or of no subscribed event

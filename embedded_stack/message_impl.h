@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "embedded_stack/net/send_queue.h"
 #include "embedded_stack/wire/discovery_message.h"
 #include "embedded_stack/wire/message_header.h"
 #include "vsomeip/message.hpp"
@@ -17,6 +18,7 @@ class PayloadImpl final : public payload {
  public:
   PayloadImpl() = default;
   explicit PayloadImpl(std::vector<byte_t> bytes) : bytes_(std::move(bytes)) {}
+  const std::vector<byte_t>& bytes() const { return bytes_; }
 
   bool operator==(const payload& other) const override;
   byte_t* get_data() override { return bytes_.data(); }
@@ -31,19 +33,23 @@ class PayloadImpl final : public payload {
   std::vector<byte_t> bytes_;
 };
 
+// The bytes as they are now, for as long as they are wanted. They are copied only if somebody else has the payload, or
+// message, too, who might change it.
+SharedBytes Keep(const std::shared_ptr<payload>& payload);
+SharedBytes Keep(const std::shared_ptr<message>& message);
+
 // Where a request came from, and so where its response goes.
 struct Origin {
   std::size_t socket = 0;
   Endpoint peer;
 };
 
-class MessageImpl final : public message {
+// Always owned by a shared pointer.
+class MessageImpl final : public message, public std::enable_shared_from_this<MessageImpl> {
  public:
-  MessageImpl() : payload_(std::make_shared<PayloadImpl>()) {
-    header_.type = static_cast<std::uint8_t>(message_type_e::MT_UNKNOWN);
-  }
-  MessageImpl(const MessageHeader& header, instance_t instance, std::shared_ptr<payload> payload)
-      : header_(header), instance_(instance), payload_(std::move(payload)) {}
+  MessageImpl() { header_.type = static_cast<std::uint8_t>(message_type_e::MT_UNKNOWN); }
+  MessageImpl(const MessageHeader& header, instance_t instance, std::vector<byte_t> bytes)
+      : header_(header), instance_(instance), own_payload_(std::move(bytes)) {}
 
   message_t get_message() const override { return Join(header_.service, header_.method); }
   void set_message(message_t ids) override;
@@ -53,7 +59,7 @@ class MessageImpl final : public message {
   void set_instance(instance_t instance) override { instance_ = instance; }
   method_t get_method() const override { return header_.method; }
   void set_method(method_t method) override { header_.method = method; }
-  length_t get_length() const override { return kLengthBase + payload_->get_length(); }
+  length_t get_length() const override { return kLengthBase + static_cast<length_t>(bytes().size()); }
   request_t get_request() const override { return Join(header_.client, header_.session); }
   client_t get_client() const override { return header_.client; }
   void set_client(client_t client) override { header_.client = client; }
@@ -71,13 +77,14 @@ class MessageImpl final : public message {
   bool is_initial() const override { return is_initial_; }
   void set_initial(bool is_initial) override { is_initial_ = is_initial; }
 
-  std::shared_ptr<payload> get_payload() const override { return payload_; }
+  std::shared_ptr<payload> get_payload() const override;
   void set_payload(std::shared_ptr<payload> payload) override;
   std::uint8_t get_check_result() const override { return check_result_; }
   void set_check_result(std::uint8_t check_result) override { check_result_ = check_result; }
   bool is_valid_crc() const override { return check_result_ == 0; }
 
   const MessageHeader& header() const { return header_; }
+  ByteView bytes() const;  // of the payload
   const std::optional<Origin>& origin() const { return origin_; }
   void set_origin(const std::optional<Origin>& origin) { origin_ = origin; }
 
@@ -88,7 +95,8 @@ class MessageImpl final : public message {
 
   MessageHeader header_;
   instance_t instance_ = 0;
-  std::shared_ptr<payload> payload_;
+  PayloadImpl own_payload_;           // until another one is set; saves an allocation
+  std::shared_ptr<payload> payload_;  // null until then
   std::optional<Origin> origin_;
   std::uint8_t check_result_ = 0;
   bool is_reliable_ = false;

@@ -46,23 +46,24 @@ class Tables {
     CheckCodec(*message);
     const std::uint32_t peer = 0x7F000001 + (packet.control & 0x3U);
     DiscoveryOutput out;
-    if (peers_.Heard(peer, (packet.control & 0x4U) != 0, {message->session, message->reboot}, now_)) {
-      offers_.OnPeerRestarted(peer);
+    const bool multicast = (packet.control & 0x4U) != 0;
+    if (peers_.Heard(peer, multicast, {message->session, message->reboot})) {
+      offers_.OnPeerRestarted(peer, now_);
       requests_.OnPeerRestarted(peer, now_, out);
     }
-    for (const DiscoveryEntry& entry : message->entries) Handle(entry, peer, out);
+    for (const DiscoveryEntry& entry : message->entries) Handle(entry, peer, multicast, out);
     fuzz::Require(out.entries.size() <= message->entries.size() * kMostEntriesPerEntry,
                   "a message causes no more entries than its own allow");
     Check(out);
   }
 
  private:
-  void Handle(const DiscoveryEntry& entry, std::uint32_t peer, DiscoveryOutput& out) {
+  void Handle(const DiscoveryEntry& entry, std::uint32_t peer, bool multicast, DiscoveryOutput& out) {
     switch (entry.type) {
       case EntryType::kFind:
         return offers_.OnFind(entry, peer, now_, out);
       case EntryType::kOffer:
-        return requests_.OnOffer(entry, peer, now_, out);
+        return requests_.OnOffer(entry, peer, multicast, now_, out);
       case EntryType::kSubscribe:
         return offers_.OnSubscribe(entry, peer, now_, out);
       case EntryType::kAcknowledge:
@@ -109,7 +110,7 @@ class Tables {
   TimePoint now_{std::chrono::hours(1)};
   Offers offers_{DiscoverySettings{}, [](auto, auto, eventgroup_t eventgroup) { return eventgroup == kEventgroup; }};
   Requests requests_{DiscoverySettings{}};
-  PeerTable peers_;
+  PeerTable peers_{[this](std::uint32_t peer) { return offers_.HasPeer(peer) || requests_.HasPeer(peer); }};
   bool available_ = false;
 };
 

@@ -2,7 +2,7 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "ara/com/internal/vsomeip/common/error_payload.h"
+#include "ara/com/internal/vsomeip/common/payload.h"
 #include "core_types/error_code.h"
 #include "fuzz/check.h"
 #include "platform/include/error_domain_registry.h"

@@ -8,7 +8,7 @@
 namespace vsomeip_v3::embedded {
 
 namespace {
-constexpr std::size_t kMaxAnswers = 1024;  // waiting at a time
+constexpr std::size_t kMaxAnswers = 1024;  // waiting at a time, or to one message
 }  // namespace
 
 void Offers::Add(const ServiceInstance& key, const Offer& offer, TimePoint now) {
@@ -17,6 +17,8 @@ void Offers::Add(const ServiceInstance& key, const Offer& offer, TimePoint now) 
   entry.announced = 0;
   entry.has_rival = false;
   entry.next = now + InitialDelay();
+  on_socket_[{key.first, offer.socket}] = key.second;
+  WakeAt(entry.next);
 }
 
 bool Offers::Remove(const ServiceInstance& key, DiscoveryOutput& out) {
@@ -27,13 +29,17 @@ bool Offers::Remove(const ServiceInstance& key, DiscoveryOutput& out) {
     stop.ttl = 0;
     out.entries.push_back({std::nullopt, stop});
   }
+  for (const auto& [subscriber, subscription] : found->second.subscriptions) Subtract(subscriber.second.address);
+  on_socket_.erase({key.first, found->second.offer.socket});
   offers_.erase(found);
   return true;
 }
 
 void Offers::AnnounceAgain(const ServiceInstance& key, TimePoint now) {
   const auto found = offers_.find(key);
-  if (found != offers_.end() && found->second.announced > 0) found->second.next = now;
+  if (found == offers_.end() || found->second.announced == 0) return;
+  found->second.next = now;
+  WakeAt(now);
 }
 
 const Offers::Offer* Offers::Find(const ServiceInstance& key) const {
@@ -47,10 +53,8 @@ bool Offers::MeetsRival(const ServiceInstance& key) {
 }
 
 const instance_t* Offers::FindInstance(service_t service, std::size_t socket) const {
-  for (auto it = offers_.lower_bound({service, 0}); it != offers_.end() && it->first.first == service; ++it) {
-    if (it->second.offer.socket == socket) return &it->first.second;
-  }
-  return nullptr;
+  const auto found = on_socket_.find({service, socket});
+  return found == on_socket_.end() ? nullptr : &found->second;
 }
 
 std::vector<ServiceInstance> Offers::All() const {
@@ -84,31 +88,51 @@ std::chrono::milliseconds Offers::DelayAfter(unsigned announced) const {
 }
 
 void Offers::OnFind(const DiscoveryEntry& find, std::uint32_t from, TimePoint now, DiscoveryOutput& out) {
-  for (const auto& [key, entry] : offers_) {
+  for (auto it = offers_.lower_bound({find.service, 0}); it != offers_.end() && it->first.first == find.service; ++it) {
+    const auto& [key, entry] = *it;
     const Offer& offer = entry.offer;
-    const bool matches = key.first == find.service && (find.instance == ANY_INSTANCE || find.instance == key.second) &&
+    const bool matches = (find.instance == ANY_INSTANCE || find.instance == key.second) &&
                          (find.major == ANY_MAJOR || find.major == offer.major) &&
                          (find.minor == ANY_MINOR || find.minor <= offer.minor);
     if (!matches || entry.announced == 0) continue;  // silent until the initial delay is over
-    if (settings_.request_response_delay.count() == 0) {
+    const TimePoint due = now + settings_.request_response_delay;
+    if (std::max(answers_.size(), out.entries.size()) >= kMaxAnswers) {
+      return out.drops.push_back(Drop::kDiscoveryLimit);
+    }
+    if (due == now) {
       out.entries.push_back({from, OfferEntry(key, offer)});
-    } else if (answers_.size() < kMaxAnswers) {
-      answers_.push_back({now + settings_.request_response_delay, from, key});
     } else {
-      out.drops.push_back(Drop::kDiscoveryLimit);
+      answers_.push_back({due, from, key});
+      WakeAt(due);
     }
   }
 }
 
-bool Offers::Accepts(const Entry& entry, const DiscoveryEntry& subscribe) const {
+// Values go to the one who asks for them: nobody subscribes for another address, or ends what another one has.
+bool Offers::Accepts(const Entry& entry, const DiscoveryEntry& subscribe, std::uint32_t from) const {
   return subscribe.major == entry.offer.major && !subscribe.bad_options && subscribe.udp &&
-         subscribe.udp->IsUnicast() && has_eventgroup_(subscribe.service, subscribe.instance, subscribe.eventgroup);
+         subscribe.udp->IsUnicast() && subscribe.udp->address == from &&
+         has_eventgroup_(subscribe.service, subscribe.instance, subscribe.eventgroup);
 }
 
-std::size_t Offers::SubscriptionCount() const {
-  std::size_t count = 0;
-  for (const auto& [key, entry] : offers_) count += entry.subscriptions.size();
-  return count;
+bool Offers::HasRoomFor(std::uint32_t peer) const {
+  const auto own = subscriptions_of_.find(peer);
+  return subscription_count_ < kMaxSubscriptions &&
+         (own == subscriptions_of_.end() || own->second < kMaxSubscriptionsOfPeer);
+}
+
+void Offers::Subtract(std::uint32_t peer) {
+  --subscription_count_;
+  const auto own = subscriptions_of_.find(peer);
+  if (--own->second == 0) subscriptions_of_.erase(own);
+}
+
+void Offers::TellSubscriber(const ServiceInstance& key, const SubscriptionKey& subscriber, Subscription& subscription,
+                            TimePoint now, DiscoveryOutput& out) {
+  if (!subscription.wants_value || subscription.next_value > now) return;
+  subscription.wants_value = false;
+  subscription.next_value = now + kInitialValueInterval;
+  out.subscribers.push_back({key.first, key.second, subscriber.first, subscriber.second});
 }
 
 void Offers::OnSubscribe(const DiscoveryEntry& subscribe, std::uint32_t from, TimePoint now, DiscoveryOutput& out) {
@@ -116,36 +140,47 @@ void Offers::OnSubscribe(const DiscoveryEntry& subscribe, std::uint32_t from, Ti
   DiscoveryEntry answer = subscribe;
   answer.type = EntryType::kAcknowledge;
   answer.udp.reset();
-  bool accepted = found != offers_.end() && Accepts(found->second, subscribe);
+  bool accepted = found != offers_.end() && Accepts(found->second, subscribe, from);
+  const SubscriptionKey subscriber{subscribe.eventgroup, subscribe.udp.value_or(Endpoint())};
 
   if (subscribe.ttl == 0) {  // a stop subscribe, which nobody answers
-    if (accepted) found->second.subscriptions.erase({subscribe.eventgroup, *subscribe.udp});
+    if (!accepted) return;
+    const auto known = found->second.subscriptions.find(subscriber);
+    if (known != found->second.subscriptions.end()) End(known->second, now);
     return;
   }
-  bool is_new = false;
+  Subscription* subscription = nullptr;
   if (accepted) {
     auto& subscriptions = found->second.subscriptions;
-    const std::pair<eventgroup_t, Endpoint> key{subscribe.eventgroup, *subscribe.udp};
-    const auto known = subscriptions.find(key);
-    is_new = known == subscriptions.end() || known->second.expiry <= now;
-    if (known == subscriptions.end() && SubscriptionCount() >= kMaxSubscriptions) {
-      accepted = false;
-      out.drops.push_back(Drop::kDiscoveryLimit);
-    } else {
-      subscriptions[key] = {from, ExpiryOf(subscribe.ttl, now)};
+    auto known = subscriptions.find(subscriber);
+    if (known == subscriptions.end() && HasRoomFor(from)) {
+      known = subscriptions.try_emplace(subscriber).first;
+      ++subscription_count_;
+      ++subscriptions_of_[from];
     }
+    if (known != subscriptions.end()) subscription = &known->second;
   }
-  if (!accepted) answer.ttl = 0;
+  if (accepted && subscription == nullptr) out.drops.push_back(Drop::kDiscoveryLimit);
+  if (subscription == nullptr) answer.ttl = 0;
   out.entries.push_back({from, answer});
-  if (accepted && is_new) {
-    out.subscribers.push_back({subscribe.service, subscribe.instance, subscribe.eventgroup, *subscribe.udp});
-  }
+  if (subscription == nullptr) return;
+  if (subscription->expiry <= now) subscription->wants_value = true;
+  subscription->expiry = ExpiryOf(subscribe.ttl, now);
+  TellSubscriber(found->first, subscriber, *subscription, now, out);
+  WakeAt(subscription->wants_value ? subscription->next_value : subscription->expiry);
 }
 
-void Offers::OnPeerRestarted(std::uint32_t peer) {
+void Offers::End(Subscription& subscription, TimePoint now) {
+  subscription.expiry = std::min(subscription.expiry, now);
+  subscription.wants_value = false;
+  WakeAt(std::max(now, subscription.next_value));
+}
+
+void Offers::OnPeerRestarted(std::uint32_t peer, TimePoint now) {
+  if (!HasPeer(peer)) return;
   for (auto& [key, entry] : offers_) {
-    for (auto it = entry.subscriptions.begin(); it != entry.subscriptions.end();) {
-      it = it->second.peer == peer ? entry.subscriptions.erase(it) : std::next(it);
+    for (auto& [subscriber, subscription] : entry.subscriptions) {
+      if (subscriber.second.address == peer) End(subscription, now);
     }
   }
 }
@@ -162,20 +197,37 @@ std::set<Endpoint> Offers::Subscribers(const ServiceInstance& key, const std::se
   return subscribers;
 }
 
+void Offers::PollSubscriptions(const ServiceInstance& key, Entry& entry, TimePoint now, DiscoveryOutput& out) {
+  for (auto it = entry.subscriptions.begin(); it != entry.subscriptions.end();) {
+    auto& [subscriber, subscription] = *it;
+    const bool is_over = subscription.expiry <= now;
+    if (is_over && subscription.next_value <= now) {
+      Subtract(subscriber.second.address);
+      it = entry.subscriptions.erase(it);
+      continue;
+    }
+    if (!is_over) TellSubscriber(key, subscriber, subscription, now, out);
+    WakeAt(is_over || subscription.wants_value ? subscription.next_value : subscription.expiry);
+    ++it;
+  }
+}
+
 void Offers::Poll(TimePoint now, DiscoveryOutput& out) {
+  if (now < next_) return;
+  next_ = kNever;
   const auto is_cyclic = [this](const Entry& entry) { return entry.announced > settings_.repetitions_max; };
   const bool cycle_due = std::any_of(offers_.begin(), offers_.end(), [&](const auto& item) {
     return is_cyclic(item.second) && item.second.next <= now;
   });
   for (auto& [key, entry] : offers_) {
-    for (auto it = entry.subscriptions.begin(); it != entry.subscriptions.end();) {
-      it = it->second.expiry <= now ? entry.subscriptions.erase(it) : std::next(it);
-    }
+    PollSubscriptions(key, entry, now, out);
     // All cyclic offers keep in step, so that they share messages.
-    if (entry.next > now && !(cycle_due && is_cyclic(entry))) continue;
-    out.entries.push_back({std::nullopt, OfferEntry(key, entry.offer)});
-    if (entry.announced <= settings_.repetitions_max) ++entry.announced;
-    entry.next = now + DelayAfter(entry.announced);
+    if (entry.next <= now || (cycle_due && is_cyclic(entry))) {
+      out.entries.push_back({std::nullopt, OfferEntry(key, entry.offer)});
+      if (entry.announced <= settings_.repetitions_max) ++entry.announced;
+      entry.next = now + DelayAfter(entry.announced);
+    }
+    WakeAt(entry.next);
   }
   const auto waiting = std::stable_partition(answers_.begin(), answers_.end(),
                                              [now](const Answer& answer) { return answer.due <= now; });
@@ -183,16 +235,7 @@ void Offers::Poll(TimePoint now, DiscoveryOutput& out) {
     if (const Offer* offer = Find(it->key)) out.entries.push_back({it->to, OfferEntry(it->key, *offer)});
   }
   answers_.erase(answers_.begin(), waiting);
-}
-
-TimePoint Offers::NextDeadline() const {
-  TimePoint next = kNever;
-  for (const auto& [key, entry] : offers_) {
-    next = std::min(next, entry.next);
-    for (const auto& [ignored, subscription] : entry.subscriptions) next = std::min(next, subscription.expiry);
-  }
-  for (const Answer& answer : answers_) next = std::min(next, answer.due);
-  return next;
+  for (const Answer& answer : answers_) WakeAt(answer.due);
 }
 
 }  // namespace vsomeip_v3::embedded

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <random>
@@ -15,6 +16,9 @@ namespace vsomeip_v3::embedded {
 class Offers {
  public:
   static constexpr std::size_t kMaxSubscriptions = 4096;
+  static constexpr std::size_t kMaxSubscriptionsOfPeer = 512;
+  // Between two times that the present values go to one endpoint; who asks sooner gets them then.
+  static constexpr std::chrono::milliseconds kInitialValueInterval{500};
 
   // Tells whether an offered instance has an eventgroup; subscriptions to others are rejected.
   using HasEventgroup = std::function<bool(service_t, instance_t, eventgroup_t)>;
@@ -41,11 +45,12 @@ class Offers {
   bool MeetsRival(const ServiceInstance& key);
   // The instance of `service` that is offered on a socket.
   const instance_t* FindInstance(service_t service, std::size_t socket) const;
+  bool HasPeer(std::uint32_t peer) const { return subscriptions_of_.count(peer) != 0; }
   std::vector<ServiceInstance> All() const;
 
   void OnFind(const DiscoveryEntry& entry, std::uint32_t from, TimePoint now, DiscoveryOutput& out);
   void OnSubscribe(const DiscoveryEntry& entry, std::uint32_t from, TimePoint now, DiscoveryOutput& out);
-  void OnPeerRestarted(std::uint32_t peer);
+  void OnPeerRestarted(std::uint32_t peer, TimePoint now);
 
   // Everyone who is subscribed to one of the eventgroups, once.
   std::set<Endpoint> Subscribers(const ServiceInstance& key, const std::set<eventgroup_t>& eventgroups,
@@ -53,19 +58,22 @@ class Offers {
 
   // Sends what is due and drops what has expired.
   void Poll(TimePoint now, DiscoveryOutput& out);
-  TimePoint NextDeadline() const;
+  TimePoint NextDeadline() const { return next_; }
 
  private:
+  // Stays after its end for as long as its endpoint must wait for the values.
   struct Subscription {
-    std::uint32_t peer;  // the address of the subscriber's discovery
     TimePoint expiry;
+    TimePoint next_value;
+    bool wants_value = false;
   };
+  using SubscriptionKey = std::pair<eventgroup_t, Endpoint>;  // of the peer that has the endpoint's address
   struct Entry {
     Offer offer;
     TimePoint next;          // announcement
     unsigned announced = 0;  // times, up to the end of the repetition phase
     bool has_rival = false;  // another node has offered the same instance
-    std::map<std::pair<eventgroup_t, Endpoint>, Subscription> subscriptions;
+    std::map<SubscriptionKey, Subscription> subscriptions;
   };
   struct Answer {
     TimePoint due;
@@ -76,14 +84,24 @@ class Offers {
   DiscoveryEntry OfferEntry(const ServiceInstance& key, const Offer& offer) const;
   std::chrono::milliseconds InitialDelay();
   std::chrono::milliseconds DelayAfter(unsigned announced) const;
-  bool Accepts(const Entry& entry, const DiscoveryEntry& subscribe) const;
-  std::size_t SubscriptionCount() const;
+  bool Accepts(const Entry& entry, const DiscoveryEntry& subscribe, std::uint32_t from) const;
+  bool HasRoomFor(std::uint32_t peer) const;
+  void Subtract(std::uint32_t peer);
+  void End(Subscription& subscription, TimePoint now);
+  void TellSubscriber(const ServiceInstance& key, const SubscriptionKey& subscriber, Subscription& subscription,
+                      TimePoint now, DiscoveryOutput& out);
+  void PollSubscriptions(const ServiceInstance& key, Entry& entry, TimePoint now, DiscoveryOutput& out);
+  void WakeAt(TimePoint due) { next_ = std::min(next_, due); }
 
   DiscoverySettings settings_;
   HasEventgroup has_eventgroup_;
   std::mt19937 random_;
   std::map<ServiceInstance, Entry> offers_;
+  std::map<std::pair<service_t, std::size_t>, instance_t> on_socket_;  // which instance is offered there
+  std::map<std::uint32_t, std::size_t> subscriptions_of_;              // how many each peer has
+  std::size_t subscription_count_ = 0;
   std::vector<Answer> answers_;  // to finds, waiting for the response delay
+  TimePoint next_ = kNever;      // not later than anything becomes due
 };
 
 }  // namespace vsomeip_v3::embedded

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <optional>
@@ -16,10 +17,9 @@ using ServiceInstance = std::pair<service_t, instance_t>;
 
 inline constexpr TimePoint kNever = TimePoint::max();
 
-// The end of a time to live that begins at `now`.
-inline TimePoint ExpiryOf(ttl_t ttl, TimePoint now) {
-  return ttl == kForever ? kNever : now + std::chrono::seconds(ttl);
-}
+// The end of a time to live that begins at `now`. Whatever a peer says it lasts, it must repeat itself now and then.
+inline constexpr ttl_t kMaxTtl = 300;
+inline TimePoint ExpiryOf(ttl_t ttl, TimePoint now) { return now + std::chrono::seconds(std::min(ttl, kMaxTtl)); }
 
 // What discovery wants done, in this order: entries sent, then the changes told. Discovery itself has no sockets, no
 // clock and no handlers, so that it can be tested without any.

@@ -8,6 +8,7 @@ namespace vsomeip_v3::embedded {
 
 void Requests::Request(const ServiceInstance& key, major_version_t major, minor_version_t minor, TimePoint now) {
   wishes_[key] = {major, minor, 0, now};
+  WakeAt(now);
 }
 
 void Requests::Release(const ServiceInstance& key, DiscoveryOutput& out) {
@@ -24,17 +25,22 @@ void Requests::Release(const ServiceInstance& key, DiscoveryOutput& out) {
   for (auto it = available_.begin(); it != available_.end();) {
     const bool is_used = IsRequested(it->first, it->second.major, it->second.minor);
     if (!is_used) out.released.push_back(it->first);
-    it = is_used ? std::next(it) : available_.erase(it);
+    it = is_used ? std::next(it) : Erase(it);
   }
 }
 
 bool Requests::IsRequested(const ServiceInstance& key, major_version_t major, minor_version_t minor) const {
-  return std::any_of(wishes_.begin(), wishes_.end(), [&](const auto& item) {
-    const auto& [service, instance] = item.first;
-    const Wish& wish = item.second;
-    return (service == ANY_SERVICE || service == key.first) && (instance == ANY_INSTANCE || instance == key.second) &&
-           (wish.major == ANY_MAJOR || wish.major == major) && (wish.minor == ANY_MINOR || wish.minor <= minor);
-  });
+  for (const service_t service : {key.first, ANY_SERVICE}) {
+    for (const instance_t instance : {key.second, ANY_INSTANCE}) {
+      const auto found = wishes_.find({service, instance});
+      if (found == wishes_.end()) continue;
+      const Wish& wish = found->second;
+      if ((wish.major == ANY_MAJOR || wish.major == major) && (wish.minor == ANY_MINOR || wish.minor <= minor)) {
+        return true;
+      }
+    }
+  }
+  return false;
 }
 
 void Requests::AddLocal(const ServiceInstance& key, const Instance& instance, TimePoint now, DiscoveryOutput& out) {
@@ -56,22 +62,33 @@ const Requests::Instance* Requests::Find(const ServiceInstance& key) const {
 }
 
 const instance_t* Requests::FindInstance(service_t service, const Endpoint& endpoint) const {
-  for (auto it = available_.lower_bound({service, 0}); it != available_.end() && it->first.first == service; ++it) {
-    if (it->second.endpoint == endpoint) return &it->first.second;
-  }
-  return nullptr;
+  const auto found = at_endpoint_.lower_bound({service, endpoint, 0});
+  const bool is_there =
+      found != at_endpoint_.end() && std::get<0>(*found) == service && std::get<1>(*found) == endpoint;
+  return is_there ? &std::get<2>(*found) : nullptr;
 }
 
 void Requests::Appear(const ServiceInstance& key, const Instance& instance, TimePoint now, DiscoveryOutput& out) {
   available_[key] = instance;
+  at_endpoint_.emplace(key.first, instance.endpoint, key.second);
+  ++instances_of_[instance.peer];
+  WakeAt(instance.expiry);
   out.availability.push_back({key.first, key.second, instance.major, instance.minor, true});
   SubscribeAll(key, now, out);
+}
+
+std::map<ServiceInstance, Requests::Instance>::iterator Requests::Erase(
+    std::map<ServiceInstance, Instance>::iterator instance) {
+  at_endpoint_.erase({instance->first.first, instance->second.endpoint, instance->first.second});
+  const auto count = instances_of_.find(instance->second.peer);
+  if (--count->second == 0) instances_of_.erase(count);
+  return available_.erase(instance);
 }
 
 void Requests::Vanish(const ServiceInstance& key, TimePoint now, DiscoveryOutput& out) {
   const auto found = available_.find(key);
   out.availability.push_back({key.first, key.second, found->second.major, found->second.minor, false});
-  available_.erase(found);
+  Erase(found);
   for (auto it = subscriptions_.lower_bound({key.first, key.second, 0}); it != subscriptions_.end(); ++it) {
     if (std::get<0>(it->first) != key.first || std::get<1>(it->first) != key.second) break;
     it->second.state = State::kIdle;
@@ -81,6 +98,7 @@ void Requests::Vanish(const ServiceInstance& key, TimePoint now, DiscoveryOutput
     if (wish_key.first == key.first && (wish_key.second == ANY_INSTANCE || wish_key.second == key.second)) {
       wish.searched = 0;
       wish.next = now + settings_.repetitions_base_delay;
+      WakeAt(wish.next);
     }
   }
 }
@@ -135,10 +153,10 @@ void Requests::SubscribeAll(const ServiceInstance& key, TimePoint now, Discovery
 void Requests::SendSubscribe(const SubscriptionKey& key, Subscription& subscription, const Instance& instance,
                              TimePoint now, DiscoveryOutput& out) {
   if (subscription.state == State::kIdle) subscription.state = State::kPending;
-  auto refresh = std::chrono::milliseconds(std::chrono::seconds(settings_.ttl)) / 2;
+  auto refresh = std::chrono::milliseconds(std::chrono::seconds(std::min(settings_.ttl, kMaxTtl))) / 2;
   if (subscription.state != State::kAccepted) refresh = std::min(refresh, std::chrono::milliseconds(1000));
-  const bool lasts = settings_.ttl == kForever && subscription.state == State::kAccepted;
-  subscription.refresh = lasts ? kNever : now + refresh;
+  subscription.refresh = now + refresh;
+  WakeAt(subscription.refresh);
 
   DiscoveryEntry entry;
   entry.type = EntryType::kSubscribe;
@@ -160,22 +178,53 @@ void Requests::SendStop(const SubscriptionKey& key, const Subscription& subscrip
   out.entries.push_back({instance.peer, entry});
 }
 
-void Requests::OnOffer(const DiscoveryEntry& offer, std::uint32_t from, TimePoint now, DiscoveryOutput& out) {
+void Requests::OnStopOffer(const DiscoveryEntry& offer, std::uint32_t from, TimePoint now, DiscoveryOutput& out) {
   const ServiceInstance key{offer.service, offer.instance};
   const auto known = available_.find(key);
-  if (offer.ttl == 0) {
-    if (known != available_.end()) known->second.superseded.erase(from);
-    if (known != available_.end() && !known->second.local && known->second.peer == from) Vanish(key, now, out);
-    return;
+  const bool is_known = known != available_.end();
+  const bool is_remembered = stopped_.count({key, from}) != 0 || stopped_.size() < kMaxInstances;
+  if (is_remembered && (is_known || IsRequested(key, offer.major, offer.minor))) {
+    stopped_[{key, from}] = now + kStopMemory;
+    WakeAt(now + kStopMemory);
   }
+  if (is_known) known->second.rivals.erase(from);
+  if (is_known && !known->second.local && known->second.peer == from) Vanish(key, now, out);
+}
+
+// Nobody who is known loses its place to a newcomer. What is asked for by name always has one.
+bool Requests::HasRoomFor(const ServiceInstance& key, std::uint32_t peer) const {
+  if (wishes_.count(key) != 0) return true;
+  const auto own = instances_of_.find(peer);
+  return (available_.size() < kMaxInstances || available_.count(key) != 0) &&
+         (own == instances_of_.end() || own->second < kMaxInstancesOfPeer);
+}
+
+// Counts an offer of `rival`. It is used again when it has offered twice while the one that took its place was silent
+// for more than a cycle: so two live providers do not make the instance flap, and a single false offer is soon over.
+bool Requests::MayComeBack(Instance& current, std::uint32_t rival, TimePoint now) const {
+  Rival& known = current.rivals.at(rival);
+  known.heard = now;
+  return ++known.offers >= 2 && now - current.heard >= settings_.cyclic_offer_delay * 3 / 2;
+}
+
+void Requests::OnOffer(const DiscoveryEntry& offer, std::uint32_t from, bool multicast, TimePoint now,
+                       DiscoveryOutput& out) {
+  if (offer.ttl == 0) return OnStopOffer(offer, from, now, out);
+  const ServiceInstance key{offer.service, offer.instance};
   if (!IsRequested(key, offer.major, offer.minor)) return;
   if (!offer.udp || offer.bad_options || !offer.udp->IsUnicast()) {
     out.drops.push_back(Drop::kBadDiscovery);
     return;
   }
-  Instance instance{offer.major, offer.minor, *offer.udp, from, false, ExpiryOf(offer.ttl, now), {}};
+  const auto stopped = stopped_.find({key, from});
+  if (stopped != stopped_.end()) {
+    if (!multicast && now < stopped->second) return;
+    stopped_.erase(stopped);
+  }
+  Instance instance{offer.major, offer.minor, *offer.udp, from, false, ExpiryOf(offer.ttl, now), now, {}};
+  const auto known = available_.find(key);
   if (known == available_.end()) {
-    if (available_.size() < kMaxInstances) return Appear(key, instance, now, out);
+    if (HasRoomFor(key, from)) return Appear(key, instance, now, out);
     out.drops.push_back(Drop::kDiscoveryLimit);
     return;
   }
@@ -184,14 +233,26 @@ void Requests::OnOffer(const DiscoveryEntry& offer, std::uint32_t from, TimePoin
                           current.major == instance.major && current.minor == instance.minor;
   if (same_offer) {
     current.expiry = instance.expiry;
+    current.heard = now;
+    for (auto& [peer, rival] : current.rivals) rival.offers = 0;
+    WakeAt(current.expiry);
     SubscribeAll(key, now, out);
-  } else if (current.local || current.superseded.count(from) != 0) {
+  } else if (current.local || (current.rivals.count(from) != 0 && !MayComeBack(current, from, now))) {
     out.drops.push_back(Drop::kDuplicateOffer);
+  } else if (current.peer != from && !HasRoomFor(key, from)) {
+    out.drops.push_back(Drop::kDiscoveryLimit);
   } else {
-    // Most likely the provider was killed and started again at another address. So the newcomer takes over, and the
-    // former peer is not heard again as long as it lasts: two live providers do not make the instance flap.
-    instance.superseded = current.superseded;
-    if (current.peer != from && instance.superseded.size() < kMaxInstances) instance.superseded.insert(current.peer);
+    // Most likely the provider was killed and started again at another address. So the newcomer takes over.
+    instance.rivals = std::move(current.rivals);
+    instance.rivals.erase(from);
+    if (current.peer != from) {
+      if (instance.rivals.size() >= kMaxRivals) {  // it is the live ones that matter
+        instance.rivals.erase(
+            std::min_element(instance.rivals.begin(), instance.rivals.end(),
+                             [](const auto& a, const auto& b) { return a.second.heard < b.second.heard; }));
+      }
+      instance.rivals[current.peer] = {0, current.heard};
+    }
     Vanish(key, now, out);
     Appear(key, instance, now, out);
   }
@@ -207,17 +268,21 @@ void Requests::OnAcknowledge(const DiscoveryEntry& entry, std::uint32_t from, Di
   const State state = entry.ttl == 0 ? State::kRejected : State::kAccepted;
   if (found->second.state == state) return;
   found->second.state = state;
-  if (state == State::kAccepted && settings_.ttl == kForever) found->second.refresh = kNever;
   out.subscriptions.push_back({entry.service, entry.instance, entry.eventgroup, state == State::kAccepted});
 }
 
 void Requests::OnPeerRestarted(std::uint32_t peer, TimePoint now, DiscoveryOutput& out) {
   std::vector<ServiceInstance> lost;
   for (auto& [key, instance] : available_) {
-    instance.superseded.erase(peer);
+    instance.rivals.erase(peer);
     if (!instance.local && instance.peer == peer) lost.push_back(key);
   }
   for (const ServiceInstance& key : lost) Vanish(key, now, out);
+}
+
+void Requests::ForgetAnswer(const ServiceInstance& key, eventgroup_t eventgroup) {
+  const auto found = subscriptions_.find({key.first, key.second, eventgroup});
+  if (found != subscriptions_.end() && found->second.state != State::kIdle) found->second.state = State::kPending;
 }
 
 bool Requests::IsSatisfied(const ServiceInstance& wish) const {
@@ -225,14 +290,28 @@ bool Requests::IsSatisfied(const ServiceInstance& wish) const {
 }
 
 void Requests::Poll(TimePoint now, DiscoveryOutput& out) {
+  if (now < next_) return;
+  next_ = kNever;
   std::vector<ServiceInstance> expired;
   for (const auto& [key, instance] : available_) {
-    if (instance.expiry <= now) expired.push_back(key);
+    if (instance.expiry <= now) {
+      expired.push_back(key);
+    } else {
+      WakeAt(instance.expiry);
+    }
   }
   for (const ServiceInstance& key : expired) Vanish(key, now, out);
+  for (auto it = stopped_.begin(); it != stopped_.end();) {
+    const bool is_over = it->second <= now;
+    if (!is_over) WakeAt(it->second);
+    it = is_over ? stopped_.erase(it) : std::next(it);
+  }
 
   for (auto& [key, wish] : wishes_) {
-    if (wish.next > now) continue;
+    if (wish.next > now) {
+      WakeAt(wish.next);
+      continue;
+    }
     if (wish.searched == 0) {
       for (const auto& [local_key, instance] : local_) {
         if (available_.count(local_key) == 0 && IsRequested(local_key, instance.major, instance.minor)) {
@@ -251,22 +330,18 @@ void Requests::Poll(TimePoint now, DiscoveryOutput& out) {
     out.entries.push_back({std::nullopt, find});
     if (wish.searched < settings_.repetitions_max)
       wish.next = now + settings_.repetitions_base_delay * (1U << wish.searched);
+    WakeAt(wish.next);
     ++wish.searched;
   }
   for (auto& [key, subscription] : subscriptions_) {
-    if (subscription.refresh > now) continue;
+    if (subscription.refresh > now) {
+      WakeAt(subscription.refresh);
+      continue;
+    }
     subscription.refresh = kNever;
     const Instance* instance = Find({std::get<0>(key), std::get<1>(key)});
     if (instance != nullptr) SendSubscribe(key, subscription, *instance, now, out);
   }
-}
-
-TimePoint Requests::NextDeadline() const {
-  TimePoint next = kNever;
-  for (const auto& [key, wish] : wishes_) next = std::min(next, wish.next);
-  for (const auto& [key, instance] : available_) next = std::min(next, instance.expiry);
-  for (const auto& [key, subscription] : subscriptions_) next = std::min(next, subscription.refresh);
-  return next;
 }
 
 }  // namespace vsomeip_v3::embedded

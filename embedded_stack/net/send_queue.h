@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -8,32 +9,47 @@
 #include <utility>
 #include <vector>
 
-#include "embedded_stack/wire/discovery_message.h"
+#include "embedded_stack/discovery/output.h"
 #include "embedded_stack/wire/message_header.h"
+#include "embedded_stack/wire/transport_segment.h"
 
 namespace vsomeip_v3::embedded {
 
 using SharedBytes = std::shared_ptr<const std::vector<std::uint8_t>>;
 
-// Messages that cannot go out at once: those in segments, and those that must not overtake them. Targets take turns,
-// the messages of one target keep their order. Not synchronized.
+// What waits until it may go out, and how much may go out at once.
+//
+// UDP holds nobody back, so that a sender must not send more than its receiver's socket has room for until the receiver
+// gets to read. Each receiver has an allowance that is used up by all that goes to it and grows with time alone, such
+// that what arrives within kStall fits into its buffer. A receiver in the range of addresses that only this stack uses
+// has the buffer that the system has granted to us; any other one may have no more than a system grants by default.
+// Targets take turns, the messages of one target keep their order. Not synchronized.
 class SendQueue {
  public:
-  // At most this many datagrams are sent in each interval: about 11 MB/s, which a receiver with the default buffer of
-  // 208 KiB follows even if it is not scheduled for 15 ms.
-  static constexpr std::size_t kDatagramsPerInterval = 8;
   static constexpr std::size_t kMaxBytes = 256U << 20U;
+  static constexpr std::size_t kAtOnce = 64U << 10U;     // a payload that an unused allowance has room for
+  static constexpr std::size_t kDatagramOverhead = 900;  // that the kernel charges beyond the payload's bytes
+  static constexpr std::chrono::milliseconds kStall{15};
+  static constexpr std::chrono::milliseconds kRetry{1};  // after a socket took no more
 
   using Target = std::pair<std::size_t, Endpoint>;  // index of the local socket, and the peer
+  // Returns how many of the datagrams the socket took.
+  using Send = std::function<std::size_t(const Target&, Datagrams&)>;
 
-  // False if the queue is full.
-  bool Push(const Target& target, const MessageHeader& header, SharedBytes payload);
+  // What Linux grants without configuration, as the kernel counts: room for 184 segments.
+  static constexpr std::size_t kDefaultReceiveBuffer = 425984;
+  // `receive_buffer` is that of this stack's nodes.
+  explicit SendQueue(std::size_t receive_buffer);
 
-  // Hands out the datagrams of one interval. `send` returns false if the socket takes no more for now.
-  void Flush(const std::function<bool(const Target&, const std::vector<std::uint8_t>&)>& send);
+  // True if a message may go out at once. It is taken to have been sent then. What fits into one datagram need not wait
+  // for the allowance, only for its turn.
+  bool Admit(const Target& target, std::size_t payload_size, TimePoint now);
 
-  bool Empty() const { return jobs_.empty(); }
-  bool HasJobsFor(const Target& target) const { return jobs_.find(target) != jobs_.end(); }
+  // False if the queue is full. `sent` bytes have gone out already: a multiple of kSegmentPayload.
+  bool Push(const Target& target, const MessageHeader& header, SharedBytes payload, std::size_t sent = 0);
+
+  // Sends what may go out now, and returns when there will be more; kNever if nothing waits.
+  TimePoint Flush(TimePoint now, const Send& send);
 
  private:
   struct Job {
@@ -41,14 +57,27 @@ class SendQueue {
     SharedBytes payload;
     std::size_t sent = 0;  // bytes of the payload
   };
-  static std::vector<std::uint8_t> NextDatagram(const Job& job);
+  struct Allowance {
+    double used = 0;
+    TimePoint since;
+  };
+  // The allowances of receivers with one size of buffer. Receivers share one by the last bits of their addresses, so
+  // that no number of them takes memory.
+  struct Class {
+    explicit Class(std::size_t receive_buffer);
+    double burst;           // the most that an allowance is
+    double per_nanosecond;  // that it grows
+    std::array<Allowance, 64> allowances;
+  };
 
+  Class& ClassOf(const Target& target);
+  static Allowance& AllowanceOf(Class& receivers, const Target& target, TimePoint now);
+
+  Class own_;
+  Class others_{kDefaultReceiveBuffer};
   std::map<Target, std::deque<Job>> jobs_;  // no empty queues
   Target last_served_;
   std::size_t bytes_ = 0;
 };
-
-// The whole datagram of a message that needs no segments.
-std::vector<std::uint8_t> EncodeMessage(const MessageHeader& header, const std::vector<std::uint8_t>& payload);
 
 }  // namespace vsomeip_v3::embedded

@@ -165,8 +165,8 @@ std::vector<std::uint8_t> EncodeDiscovery(const DiscoveryMessage& message) {
   header.session = message.session;
   header.interface_version = 1;
   header.type = static_cast<std::uint8_t>(message_type_e::MT_NOTIFICATION);
-  std::vector<std::uint8_t> out;
-  EncodeHeader(header, 12 + entries.size() + option_bytes.size(), out);
+  const auto header_bytes = EncodeHeader(header, 12 + entries.size() + option_bytes.size());
+  std::vector<std::uint8_t> out(header_bytes.begin(), header_bytes.end());
   ByteWriter writer(out);
   writer.U8((message.reboot ? kRebootFlag : 0) | kUnicastFlag);
   writer.U24(0);

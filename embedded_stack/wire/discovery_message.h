@@ -11,7 +11,6 @@ namespace vsomeip_v3::embedded {
 
 inline constexpr service_t kDiscoveryService = 0xFFFF;
 inline constexpr method_t kDiscoveryMethod = 0x8100;
-inline constexpr ttl_t kForever = 0xFFFFFF;
 
 // An IPv4 address and a port, in host order.
 struct Endpoint {
@@ -20,6 +19,9 @@ struct Endpoint {
 
   // Whether one node can be reached there: not a group, and not nowhere.
   bool IsUnicast() const { return port != 0 && address != 0 && address >> 28U < 0xE; }
+
+  // In 127.77.0.0/16, where nodes of this stack take addresses, and nobody else.
+  bool IsOfThisStack() const { return address >> 16U == 0x7F4D; }
 
   bool operator==(const Endpoint& other) const { return address == other.address && port == other.port; }
   bool operator!=(const Endpoint& other) const { return !(*this == other); }

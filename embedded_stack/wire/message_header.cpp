@@ -32,17 +32,14 @@ std::optional<MessageHeader> DecodeHeader(ByteView bytes) {
   return header;
 }
 
-void EncodeHeader(const MessageHeader& header, std::size_t payload_size, std::vector<std::uint8_t>& out) {
-  ByteWriter writer(out);
-  writer.U16(header.service);
-  writer.U16(header.method);
-  writer.U32(static_cast<std::uint32_t>(payload_size) + kLengthBase);
-  writer.U16(header.client);
-  writer.U16(header.session);
-  writer.U8(header.protocol_version);
-  writer.U8(header.interface_version);
-  writer.U8(header.type);
-  writer.U8(header.return_code);
+std::array<std::uint8_t, kHeaderSize> EncodeHeader(const MessageHeader& header, std::size_t payload_size) {
+  const auto high = [](std::uint32_t number) { return static_cast<std::uint8_t>(number >> 8U); };
+  const auto low = [](std::uint32_t number) { return static_cast<std::uint8_t>(number); };
+  const auto length = static_cast<std::uint32_t>(payload_size) + kLengthBase;
+  return {high(header.service),    low(header.service),      high(header.method),  low(header.method),
+          high(length >> 16U),     low(length >> 16U),       high(length),         low(length),
+          high(header.client),     low(header.client),       high(header.session), low(header.session),
+          header.protocol_version, header.interface_version, header.type,          header.return_code};
 }
 
 }  // namespace vsomeip_v3::embedded

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
-#include <vector>
 
 #include "embedded_stack/wire/byte_view.h"
 #include "vsomeip/enumeration_types.hpp"
@@ -39,7 +39,7 @@ bool IsNotification(message_type_e type);
 // Nothing if fewer than 16 bytes are present. Whether `length` fits is the caller's question.
 std::optional<MessageHeader> DecodeHeader(ByteView bytes);
 
-// Appends the 16 bytes of the header with a length field for `payload_size` bytes; header.length is not looked at.
-void EncodeHeader(const MessageHeader& header, std::size_t payload_size, std::vector<std::uint8_t>& out);
+// The header with a length field for `payload_size` bytes; header.length is not looked at.
+std::array<std::uint8_t, kHeaderSize> EncodeHeader(const MessageHeader& header, std::size_t payload_size);
 
 }  // namespace vsomeip_v3::embedded

@@ -18,19 +18,32 @@ std::optional<Segment> DecodeSegment(ByteView bytes) {
   return segment;
 }
 
-std::vector<std::uint8_t> EncodeSegment(const MessageHeader& header, ByteView payload, std::size_t offset) {
-  const ByteView part = payload.Sub(offset, kSegmentPayload);
-  const bool more = payload.size() - offset > part.size();
+Datagrams::Datagrams(const MessageHeader& header, ByteView payload, std::size_t offset, std::size_t limit) {
+  const bool in_segments = payload.size() > kMaxUnsegmentedPayload;
   MessageHeader segment_header = header;
-  segment_header.type = static_cast<std::uint8_t>(header.type | kSegmentFlag);
+  if (in_segments) segment_header.type = static_cast<std::uint8_t>(header.type | kSegmentFlag);
+  do {
+    const ByteView part = payload.Sub(offset, in_segments ? kSegmentPayload : kMaxUnsegmentedPayload);
+    const std::size_t extra = in_segments ? kSegmentHeaderSize : 0;
+    auto& bytes = headers_[count_];
+    const auto encoded = EncodeHeader(segment_header, extra + part.size());
+    std::copy(encoded.begin(), encoded.end(), bytes.begin());
+    const bool more = payload.size() - offset > part.size();
+    const auto field = static_cast<std::uint32_t>(offset) | (more ? kMoreFlag : 0);
+    for (std::size_t i = 0; i < kSegmentHeaderSize; ++i) {
+      bytes[kHeaderSize + i] = static_cast<std::uint8_t>(field >> (24U - 8U * i));
+    }
+    Parts(count_)[0] = {bytes.data(), kHeaderSize + extra};
+    Parts(count_)[1] = {const_cast<std::uint8_t*>(part.data()), part.size()};  // NOLINT: the kernel only reads it
+    ++count_;
+    offset += part.size();
+  } while (offset < payload.size() && count_ < std::min(limit, kMax));
+}
 
-  std::vector<std::uint8_t> datagram;
-  datagram.reserve(kHeaderSize + kSegmentHeaderSize + part.size());
-  EncodeHeader(segment_header, kSegmentHeaderSize + part.size(), datagram);
-  ByteWriter writer(datagram);
-  writer.U32(static_cast<std::uint32_t>(offset) | (more ? kMoreFlag : 0));
-  writer.Bytes(part);
-  return datagram;
+std::size_t Datagrams::PayloadSize(std::size_t count) const {
+  std::size_t size = 0;
+  for (std::size_t i = 0; i < count; ++i) size += parts_[kPartsEach * i + 1].iov_len;
+  return size;
 }
 
 }  // namespace vsomeip_v3::embedded

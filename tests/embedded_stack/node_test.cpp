@@ -1,10 +1,13 @@
 // Applications in one process: each is a node of its own, so all of this goes over the network.
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <cstdio>
+#include <dlfcn.h>
 #include <fstream>
 #include <future>
 #include <poll.h>
+#include <pthread.h>
 #include <string>
 #include <unistd.h>
 
@@ -12,6 +15,19 @@
 
 #include "tests/embedded_stack/test_node.h"
 #include "tests/support/child_process.h"
+
+namespace {
+std::atomic<int> threads_left{1000000};
+}
+
+// What the C library does, for as long as there are threads.
+extern "C" __attribute__((visibility("default"))) int pthread_create(pthread_t* thread,
+                                                                     const pthread_attr_t* attributes,
+                                                                     void* (*run)(void*), void* argument) {
+  if (threads_left-- <= 0) return EAGAIN;
+  static const auto create = reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+  return create(thread, attributes, run, argument);
+}
 
 namespace embedded_stack_test {
 namespace {
@@ -106,6 +122,17 @@ TEST(NodeTest, TwoProvidersOfOneInstanceAreBothWarned) {
   Provider second({2});
   EXPECT_EQ(error.WaitForCount("as well as by this process", 2), 2U) << error.output;
   ASSERT_TRUE(client.availability.WaitForCount(3)) << "the newcomer takes over";
+}
+
+// Session 0 means that there is none.
+TEST(NodeTest, SessionsOfRequestsWrapWithoutZero) {
+  Provider provider({1});
+  Client client;
+  ASSERT_TRUE(client.availability.WaitForLast(true));
+  const auto first = static_cast<vsomeip::session_t>(client.Send(0x7777));
+  for (int i = 1; i < 0xFFFF; ++i) ASSERT_NE(client.Send(0x7777) & 0xFFFFU, 0U) << i;
+  EXPECT_EQ(client.Call(kGet).bytes, Bytes{1});
+  EXPECT_EQ(static_cast<vsomeip::session_t>(client.Send(kGet)), first + 1);
 }
 
 TEST(NodeTest, ReleasedServiceIsHeardOfAgainWhenItIsRequestedAgain) {
@@ -250,6 +277,40 @@ TEST(NodeTest, BlockedHandlerStopsNeitherDiscoveryNorOtherHandlers) {
   release.set_value();
 }
 
+TEST(NodeTest, OneThreadIsLeftToReceiveWhenAsManyHandlersBlockAsMay) {
+  Record<int> entered;
+  std::promise<void> release;
+  Provider provider({1});
+  provider->register_message_handler(kService, kInstance, 0x0050,
+                                     [&entered, released = release.get_future().share()](const auto&) {
+                                       entered.Add(0);
+                                       released.wait();
+                                     });
+  Client client;
+  ASSERT_TRUE(client.availability.WaitForLast(true));
+  for (int i = 0; i < 12; ++i) client.Send(0x0050);
+  ASSERT_TRUE(entered.WaitForCount(10));
+  Client newcomer;
+  newcomer.Subscribe();
+  EXPECT_TRUE(newcomer.values.WaitForLast({1}));
+  EXPECT_EQ(entered.Items().size(), 10U);
+  release.set_value();
+  EXPECT_TRUE(entered.WaitForCount(12));
+  EXPECT_EQ(newcomer.Call(kGet).bytes, Bytes{1});
+}
+
+TEST(NodeTest, WhatGoesOutAtOnceHasRoomAtAReceiverThatDoesNotRun) {
+  support::ChildProcess provider(FIELD_PROVIDER, {std::to_string(kInstance), "1", "3"});
+  Client client;
+  ASSERT_TRUE(client.availability.WaitForLast(true));
+  for (std::size_t round = 1; round <= 4; ++round) {
+    provider.Suspend();
+    client.Send(kSet, Bytes(60000, static_cast<vsomeip::byte_t>(round)));
+    provider.Continue();
+    EXPECT_TRUE(client.replies.WaitForCount(round)) << round;
+  }
+}
+
 TEST(NodeTest, StopWaitsForARunningHandlerAndForgetsTheRest) {
   auto client = std::make_unique<Client>();
   Provider provider({1});
@@ -271,6 +332,68 @@ TEST(NodeTest, StopWaitsForARunningHandlerAndForgetsTheRest) {
   for (int i = 0; i < 50; ++i) provider.Notify({static_cast<vsomeip::byte_t>(i)});
   client.reset();
   EXPECT_FALSE(called_after_stop);
+}
+
+// With one thread of its own a node does all that it has to, if nobody blocks it; without any it says so.
+TEST(NodeTest, ThreadsThatCannotBeCreatedEndNothing) {
+  Client client;
+  ASSERT_TRUE(client.availability.WaitForLast(false));
+  const auto provider = vsomeip::runtime::get()->create_application("threadless");
+  provider->register_message_handler(kService, kInstance, kGet, [&](const std::shared_ptr<vsomeip::message>& request) {
+    provider->send(vsomeip::runtime::get()->create_response(request));
+  });
+  ErrorOutput error;
+  ASSERT_TRUE(provider->init());
+  threads_left = 0;
+  provider->start();  // returns
+  EXPECT_EQ(error.WaitForCount("cannot start: ", 1), 1U) << error.output;
+  ASSERT_TRUE(provider->init());
+  provider->offer_service(kService, kInstance, kMajor);
+  threads_left = 2;
+  std::thread thread([&] { provider->start(); });
+  ASSERT_TRUE(client.availability.WaitForLast(true));
+  for (int i = 0; i < 10; ++i) EXPECT_EQ(client.Call(kGet).code, vsomeip::return_code_e::E_OK);
+  EXPECT_EQ(error.WaitForCount("cannot start a thread", 2), 2U) << error.output;
+  threads_left = 1000000;
+  provider->stop();
+  thread.join();
+}
+
+// A queue full of calls: what changes meanwhile is told when there is room again.
+TEST(NodeTest, AvailabilityAndStatusAreToldEvenIfTheQueueWasFull) {
+  constexpr int kHandlers = 10;  // that run beside each other
+  std::atomic<int> blocked{0};
+  Client client;
+  Client other;  // hears of the same, without delay
+  for (Client* each : {&client, &other}) each->Subscribe();
+  auto provider = std::make_unique<Provider>(Bytes{1});
+  const auto block = [&](const std::shared_future<void>& released) {
+    for (Client* each : {&client, &other}) ASSERT_TRUE(each->status.WaitForLast(0));
+    blocked = 0;
+    for (int i = 0; i < 66000; ++i) {
+      while (i == kHandlers && blocked < kHandlers) std::this_thread::yield();
+      client->get_offered_services_async(vsomeip::offer_type_e::OT_ALL, [&blocked, released](const auto&) {
+        ++blocked;
+        released.wait();
+      });
+    }
+  };
+  std::promise<void> first;
+  block(first.get_future());
+  provider.reset();
+  ASSERT_TRUE(other.availability.WaitForLast(false));
+  first.set_value();
+  EXPECT_TRUE(client.availability.WaitForLast(false));
+
+  provider = std::make_unique<Provider>(Bytes{2});
+  for (Client* each : {&client, &other}) ASSERT_TRUE(each->status.WaitForCount(2));
+  std::promise<void> second;
+  block(second.get_future());
+  provider.reset();
+  provider = std::make_unique<Provider>(Bytes{3});
+  ASSERT_TRUE(other.status.WaitForCount(3));
+  second.set_value();
+  EXPECT_TRUE(client.status.WaitForCount(3));
 }
 
 TEST(NodeTest, StopFromAHandlerAndStopBeforeStart) {
@@ -295,6 +418,57 @@ TEST(NodeTest, PayloadsUpToTheLimitMakeTheRoundTrip) {
     Bytes bytes(size);
     for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<vsomeip::byte_t>(i * 31 >> 8U);
     EXPECT_TRUE(client.Call(kReverse, bytes).bytes == Bytes(bytes.rbegin(), bytes.rend())) << size;
+  }
+}
+
+// What is sent are the bytes as they were, whoever owns them, whatever becomes of them, and however long they wait.
+TEST(NodeTest, BytesThatWaitCanBeChangedByTheirOwner) {
+  constexpr std::size_t kLarge = 1U << 20U;  // more than goes out at once
+  Provider provider({1});
+  Client client;
+  client.Subscribe();
+  ASSERT_TRUE(client.values.WaitForLast({1}));
+  const auto payload = MakePayload(Bytes(kLarge, 1));
+  std::thread other([&] {  // to the same target, beside it
+    for (vsomeip::byte_t i = 20; i < 30; ++i) provider.Notify(Bytes(kLarge / 8 + i, i));
+  });
+  for (vsomeip::byte_t i = 2; i < 10; ++i) {
+    provider->notify(kService, kInstance, kField, payload);
+    std::fill_n(payload->get_data(), kLarge, i);
+  }
+  other.join();
+  provider.Notify({0});
+  ASSERT_TRUE(client.values.WaitForLast({0}));
+  std::vector<int> ours;
+  std::vector<int> others;
+  for (const Bytes& value : client.values.Items()) {
+    EXPECT_EQ(std::count(value.begin(), value.end(), value[0]), static_cast<std::ptrdiff_t>(value.size())) << "mixed";
+    if (value.size() > 1) (value.size() == kLarge ? ours : others).push_back(value[0]);
+  }
+  EXPECT_EQ(ours, (std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8}));
+  EXPECT_EQ(others, (std::vector<int>{20, 21, 22, 23, 24, 25, 26, 27, 28, 29}));
+
+  auto request = vsomeip::runtime::get()->create_request();
+  request->get_payload()->set_data(Bytes{1, 2, 3});  // the one that it has from the start
+  request->set_payload(request->get_payload());
+  EXPECT_EQ(BytesOf(*request), (Bytes{1, 2, 3}));
+  const std::weak_ptr<vsomeip::message> end = request;
+  const auto kept = request->get_payload();
+  request.reset();
+  EXPECT_EQ(kept->get_length(), 3U);
+  std::weak_ptr<vsomeip::payload>(kept).lock().reset();
+  EXPECT_FALSE(end.expired());
+}
+
+TEST(NodeTest, ApplicationMayEndWhileALargeValueIsOnItsWay) {
+  for (int i = 0; i < 5; ++i) {
+    auto provider = std::make_unique<Provider>(Bytes{1});
+    auto client = std::make_unique<Client>();
+    client->Subscribe();
+    ASSERT_TRUE(client->values.WaitForLast({1}));
+    provider->Notify(Bytes(8U << 20U, 2));
+    if (i % 2 == 0) client.reset();
+    provider.reset();
   }
 }
 

@@ -1,4 +1,6 @@
 // Segmented messages: taken apart by the send queue, put together by the reassembler.
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "embedded_stack/net/reassembler.h"
@@ -111,46 +113,108 @@ TEST_F(ReassemblerTest, MemoryAndTimeAreBounded) {
   EXPECT_EQ(reassembler_.Expire(now_), 1U);
 }
 
-TEST(SendQueueTest, TargetsTakeTurnsAndKeepTheirOrder) {
-  SendQueue queue;
-  const auto large = std::make_shared<const Bytes>(20 * 1392);
-  const auto small = std::make_shared<const Bytes>(1);
-  const SendQueue::Target one{0, {1, 1}};
-  const SendQueue::Target two{0, {2, 1}};
-  ASSERT_TRUE(queue.Push(one, Header(), large));
-  ASSERT_TRUE(queue.Push(one, Header(), small));
-  ASSERT_TRUE(queue.Push(two, Header(), small));
-  std::vector<std::pair<SendQueue::Target, std::size_t>> sent;
-  const auto send = [&sent](const SendQueue::Target& target, const Bytes& datagram) {
-    sent.emplace_back(target, datagram.size());
-    return true;
-  };
-  queue.Flush(send);
-  EXPECT_EQ(sent.size(), SendQueue::kDatagramsPerInterval);
-  EXPECT_EQ(sent[1].first, two);  // not behind the large one
-  EXPECT_FALSE(queue.HasJobsFor(two));
-  for (int i = 0; i < 10 && !queue.Empty(); ++i) queue.Flush(send);
-  ASSERT_EQ(sent.size(), 22U);
-  EXPECT_EQ(sent.back().first, one);  // not before the large one
-  EXPECT_EQ(sent.back().second, 17U);
+// A queue with a kernel below it, which takes `room` datagrams, and a clock.
+class SendQueueTest : public testing::Test {
+ protected:
+  void Push(const SendQueue::Target& target, std::size_t size) {
+    ASSERT_TRUE(queue_.Push(target, Header(), std::make_shared<const Bytes>(size)));
+  }
+  TimePoint Flush() {
+    return queue_.Flush(now_, [this](const SendQueue::Target& target, Datagrams& datagrams) {
+      const std::size_t taken = std::min(datagrams.Count(), room_);
+      room_ -= taken;
+      for (std::size_t i = 0; i < taken; ++i) {
+        iovec* const parts = datagrams.Parts(i);
+        const auto* const head = static_cast<const std::uint8_t*>(parts[0].iov_base);
+        Bytes datagram(head, head + parts[0].iov_len);
+        const auto* const body = static_cast<const std::uint8_t*>(parts[1].iov_base);
+        datagram.insert(datagram.end(), body, body + parts[1].iov_len);
+        charged_ += parts[1].iov_len + SendQueue::kDatagramOverhead;
+        sent_.emplace_back(target, std::move(datagram));
+      }
+      return taken;
+    });
+  }
+  SendQueue queue_{20 * SendQueue::kDefaultReceiveBuffer};
+  TimePoint now_{std::chrono::hours(1)};
+  std::size_t room_ = SIZE_MAX;
+  std::size_t charged_ = 0;
+  std::vector<std::pair<SendQueue::Target, Bytes>> sent_;
+  const SendQueue::Target one_{0, {1, 1}};
+  const SendQueue::Target two_{0, {2, 1}};
+};
+
+TEST_F(SendQueueTest, TargetsTakeTurnsAndKeepTheirOrder) {
+  Push(one_, 20 * 1392);
+  Push(one_, 1);
+  Push(two_, 1);
+  EXPECT_FALSE(queue_.Admit(one_, 1, now_));  // nothing overtakes what waits
+  EXPECT_EQ(Flush(), kNever);
+  ASSERT_EQ(sent_.size(), 22U);
+  EXPECT_EQ(sent_[Datagrams::kMax].first, two_);  // not behind the large one
+  EXPECT_EQ(sent_.back().first, one_);            // not before the large one
+  EXPECT_EQ(sent_.back().second.size(), 17U);
+  EXPECT_TRUE(queue_.Admit(one_, 1, now_));
 }
 
-TEST(SendQueueTest, WhatTheSocketRefusesIsSentLaterAndTheQueueIsBounded) {
-  SendQueue queue;
-  const SendQueue::Target target{0, kPeer};
+// Whatever is sent by whichever way, in any 15 ms no more goes to one receiver than its buffer holds.
+TEST_F(SendQueueTest, ReceiverThatSleepsHasRoomForAllThatComes) {
+  const SendQueue::Target other_port{1, {1, 2}};
+  EXPECT_TRUE(queue_.Admit(one_, SendQueue::kAtOnce, now_));
+  EXPECT_FALSE(queue_.Admit(other_port, 20000, now_)) << "the same receiver";
+  EXPECT_TRUE(queue_.Admit(two_, SendQueue::kAtOnce, now_)) << "another one";
+  EXPECT_TRUE(queue_.Admit(one_, 1, now_)) << "what is small needs no allowance";
+  EXPECT_TRUE(queue_.Admit({0, {0x7F4D0001, 1}}, 1200000, now_)) << "has the same buffer as we have, by its address";
+  for (const auto& target : {one_, other_port, one_}) Push(target, 2000000);
+  for (int i = 0; i < 1000; ++i) EXPECT_FALSE(queue_.Admit(one_, 100, now_));
+  Flush();
+  EXPECT_TRUE(sent_.empty()) << "the allowance is used up, and only time renews it";
+  // When, and all that had gone out before. What went at once is the first.
+  std::vector<std::pair<TimePoint, std::size_t>> course{{now_, 0}};
+  charged_ = SendQueue::kAtOnce + DatagramCount(SendQueue::kAtOnce) * SendQueue::kDatagramOverhead;
+  const TimePoint begin = now_;
+  for (TimePoint next = now_; next != kNever; next = Flush()) {
+    ASSERT_GT(next + 1ns, now_);
+    course.emplace_back(now_ = next, charged_);
+  }
+  EXPECT_EQ(sent_.size(), 3 * DatagramCount(2000000));
+  course.emplace_back(now_ + 1s, charged_);
+  for (std::size_t i = 0, end = 0; i < course.size(); ++i) {
+    while (end < course.size() && course[end].first - course[i].first <= SendQueue::kStall) ++end;
+    ASSERT_LE(course[std::min(end, course.size() - 1)].second - course[i].second, SendQueue::kDefaultReceiveBuffer)
+        << i;
+  }
+  const std::chrono::duration<double> took = now_ - begin;
+  EXPECT_GT(6e6 / took.count(), 10e6) << "bytes per second";
+
+  const SendQueue::Target neighbour{0, {1 + 64, 1}};  // whose allowance is the same
+  Push(one_, 2000000);
+  const std::size_t before = sent_.size();
+  for (int milliseconds = 0; milliseconds < 1000; ++milliseconds, now_ += 1ms) {
+    for (int i = 0; i < 1000; ++i) ASSERT_TRUE(queue_.Admit(neighbour, 1000, now_));
+    Flush();
+  }
+  EXPECT_EQ(sent_.size() - before, DatagramCount(2000000)) << "a flood of small ones starves nobody";
+}
+
+TEST_F(SendQueueTest, WhatTheSocketRefusesIsSentLaterAndTheQueueIsBounded) {
   const auto huge = std::make_shared<const Bytes>(kMaxPayload);
   std::size_t accepted = 0;
-  while (accepted < 1000 && queue.Push(target, Header(), huge)) ++accepted;
+  while (accepted < 1000 && queue_.Push(two_, Header(), huge)) ++accepted;
   EXPECT_EQ(accepted, SendQueue::kMaxBytes / (kMaxPayload + kHeaderSize));
-  Bytes first;
-  queue.Flush([&first](const auto&, const Bytes& datagram) {
-    first = datagram;
-    return false;
-  });
-  queue.Flush([&first](const auto&, const Bytes& datagram) {
-    EXPECT_EQ(datagram, first);
-    return false;
-  });
+  room_ = 5;
+  EXPECT_EQ(Flush(), now_ + SendQueue::kRetry);
+  EXPECT_EQ(Flush(), now_ + SendQueue::kRetry);
+  EXPECT_EQ(sent_.size(), 5U);
+  room_ = 1;
+  Flush();
+  Reassembler receiver;  // the sixth continues where the socket refused
+  for (const auto& [target, datagram] : sent_) {
+    const auto segment = DecodeSegment(ByteView(datagram).Sub(kHeaderSize));
+    ASSERT_TRUE(segment);
+    EXPECT_EQ(receiver.Add(kPeer, *DecodeHeader(datagram), *segment, {}).outcome, Outcome::kIncomplete);
+  }
+  EXPECT_EQ(receiver.Bytes(), 6 * kSegmentPayload);
 }
 
 }  // namespace

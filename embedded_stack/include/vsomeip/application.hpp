@@ -18,9 +18,10 @@ class payload;
 
 // One SOME/IP node: it offers services, uses services, or both, at an address of its own.
 //
-// Threads. Every operation may be called from any thread, handlers included. Handlers run one after the other on a
-// dispatch thread, never inside a call to this interface. A handler that takes longer than 100 ms is overtaken: the
-// next one runs on another thread (up to ten), so a handler may wait for a response. Discovery goes on regardless.
+// Threads. Every operation may be called from any thread, handlers included. Handlers run one after the other on
+// threads of the application's own, never inside a call to this interface. A handler that takes longer than 100 ms is
+// overtaken: the next one runs on another thread (up to ten), so a handler may wait for a response. Discovery goes on
+// regardless.
 //
 // After unregister_..._handler() or clear_all_handler() no call of that handler begins, queued ones included; one
 // that is running may go on. After stop() none runs, with two exceptions: stop() called by a handler cannot wait for
@@ -35,7 +36,7 @@ class VSOMEIP_IMPORT_EXPORT application {
 
   // Reads the configuration and takes the address. False, with the reason on standard error, if either fails.
   virtual bool init() = 0;
-  // Serves the network until stop(), on this thread.
+  // Serves the network until stop(). Handlers do not run on this thread.
   virtual void start() = 0;
   // Takes back all offers and subscriptions, tells the peers, and returns within a second. Before start(): the next
   // start() returns at once. init() makes the application ready again.
@@ -80,12 +81,10 @@ class VSOMEIP_IMPORT_EXPORT application {
   // 16 MiB, no message type) is reported on standard error and dropped: no handler hears of it.
   virtual void send(std::shared_ptr<message> message) = 0;
 
-  // The payload is copied. An unchanged field value is not sent unless forced.
+  // The bytes are those of now, whatever becomes of the payload. They are copied only if the caller keeps it, that is,
+  // does not move it here. An unchanged field value is not sent unless forced.
   virtual void notify(service_t service, instance_t instance, event_t event, std::shared_ptr<payload> payload,
                       bool force = false) const = 0;
-  // As notify(), but only to the client with this id, if it is subscribed.
-  virtual void notify_one(service_t service, instance_t instance, event_t event, std::shared_ptr<payload> payload,
-                          client_t client, bool force = false) const = 0;
 
   // Calls the handler once with what this node, which is this process, offers. Other nodes reach all of it.
   virtual void get_offered_services_async(offer_type_e type, const offered_services_handler_t& handler) = 0;
