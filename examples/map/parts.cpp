@@ -1,5 +1,7 @@
 #include "examples/map/parts.h"
 
+#include <utility>
+
 namespace example_map {
 
 using namespace datatypes;
@@ -104,8 +106,8 @@ DT_layerInfo LayerInfo(std::uint16_t kind, std::size_t contentCount) {
 }
 
 void Fill(kro::services::psd2::skeleton::Psd2Skeleton& skeleton) {
-  const auto fill = [](auto& field, const auto& value) {
-    field.Update(value);
+  const auto fill = [](auto& field, auto&& value) {
+    field.Update(std::move(value));
     field.ServeCurrentValue();
   };
   fill(skeleton.linkLayerLongRange, LinkLayerLongRange());

@@ -171,8 +171,8 @@ class ToolTest(unittest.TestCase):
         self.assertIn("door: 0 values read", errors)
 
     def test_no_control_character_reaches_the_terminal(self):
-        escape = "\x1b[2J\x7f\x9b31m"
-        remark = {**DOOR, "choice": "a\x9b31m"}
+        escape = "\x1b[2J\x7f\u202e\u2028\x9b31m"
+        remark = {**DOOR, "choice": "a\u202e\x9b31m"}
         for status, *arguments in (
                 (4, "encode", ADDRESS, json.dumps([{escape: 1}])), (4, "encode", SETTABLE, json.dumps([{"member0": escape}])),
                 (1, "list", "--model", self.file(json.dumps({**DOOR, escape: 1}))),
@@ -183,7 +183,7 @@ class ToolTest(unittest.TestCase):
             with self.subTest(arguments=arguments):
                 result = run(*arguments)
                 self.assertEqual(result.returncode, status, result.stderr)
-                self.assertNotRegex(result.stdout + result.stderr, "[\x00-\x09\x0b-\x1f\x7f-\x9f]")
+                self.assertNotRegex(result.stdout + result.stderr, "[\x00-\x09\x0b-\x1f\x7f-\x9f\u2028\u202e]")
                 self.assertIn("\\u009b31m", result.stdout + result.stderr)
 
     def test_list_shows_what_the_library_knows(self):
@@ -420,9 +420,12 @@ class ToolTest(unittest.TestCase):
         with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as selfish:
             selfish.bind(("0.0.0.0", 0))
             port = selfish.getsockname()[1]
+            own_name = Path("/proc/self/comm").read_bytes()
+            self.addCleanup(Path("/proc/self/comm").write_bytes, own_name)
+            Path("/proc/self/comm").write_bytes(b"x -> \x1b;$(rm)")
             findings = self.doctor({"unicast": "127.77.200.1", "service-discovery": {"port": port}}, 3)
             self.assert_finding(findings, "ports", "problem", f"{port} is taken")
-            self.assert_finding(findings, "ports", "problem", f"(process {os.getpid()})")
+            self.assert_finding(findings, "ports", "problem", f"$'x -> \\x1b;$(rm)' (process {os.getpid()})")
 
     def test_doctor_lets_pass_what_is_right(self):
         configuration = self.file(json.dumps({"service-discovery": {"port": random.randrange(20000, 30000)},

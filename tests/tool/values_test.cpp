@@ -21,10 +21,12 @@
 #include "tools/tarn7/model/interface_table.h"
 #include "tools/tarn7/model/model_reader.h"
 #include "tools/tarn7/values/encode.h"
+#include "tools/tarn7/values/json.h"
 #include "tools/tarn7/values/moving_value.h"
 #include "tools/tarn7/values/nearest.h"
 #include "tools/tarn7/values/payload_check.h"
 #include "tools/tarn7/values/payload_text.h"
+#include "tools/tarn7/values/printable.h"
 
 namespace tarn7::tool {
 namespace {
@@ -204,7 +206,7 @@ TEST(Payloads, WhatCannotBeReadIsNamedWithItsPlace) {
       {"00000009 00000005 1001 0007 00",
        "[0] at byte 12: Deserialization of trivially copyable type failed, insufficient data!"},
       {"00000009 00000005 2002 000000",
-       "[0].member2 at byte 8: Deserialization of structure failed, declared size excess data length."},
+       "[0].member2 at byte 8: Deserialization of trivially copyable type failed, insufficient data!"},
       {"00000007 00000003 0001 07", "[0].member1 at byte 10: Insufficient arguments from remote end"},
       {"00000014 00000010 4008 0000000A 3000 0000000000000001",
        "[0].member8.member0 at byte 20: 4 bytes are passed over"},
@@ -221,6 +223,29 @@ TEST(Payloads, WhatCannotBeReadIsNamedWithItsPlace) {
       EXPECT_THAT(error.what(), testing::HasSubstr(verdict)) << bytes;
     }
   }
+}
+
+TEST(Text, WhatATerminalOrAShellWouldObeyIsEscaped) {
+  const std::pair<const char*, const char*> texts[] = {
+      {"a\n\x1b\x7f", R"(a\u000a\u001b\u007f)"},
+      {"\u00a0\u00e4\u4e2d\U0001f600\u200d\u2027\u202f\u2065\u206a",
+       "\u00a0\u00e4\u4e2d\U0001f600\u200d\u2027\u202f\u2065\u206a"},
+      {"\xc2\x80\xc2\x9b\xc2\x9f", R"(\u0080\u009b\u009f)"},
+      {"\u061c\u200e\u200f\u2028\u2029\u202a\u202e\u2066\u2069",
+       R"(\u061c\u200e\u200f\u2028\u2029\u202a\u202e\u2066\u2069)"},
+      {"\x9b \xff \xc3", R"(\x9b \xff \xc3)"},                            // no UTF-8: a part, nothing at all, cut off
+      {"\xc0\x9b \xe0\x80\x9b \xed\xa0\x80 \xf4\x90\x80\x80 \xe2\x80 x",  // too long, a surrogate, too large
+       R"(\xc0\x9b \xe0\x80\x9b \xed\xa0\x80 \xf4\x90\x80\x80 \xe2\x80 x)"}};
+  for (const auto& [text, printable] : texts) {
+    EXPECT_EQ(Printable(text), printable);
+  }
+  EXPECT_EQ(Printable("a\nb\r", "\n"), "a\nb\\u000d");
+  EXPECT_EQ(ToText(Json{{"\x1b\u202e", "\xff\xc2\x85"}}), "{\"\\u001b\\u202e\":\"\ufffd\\u0085\"}");
+
+  EXPECT_EQ(ShellWord("/tmp/vsomeip-0"), "/tmp/vsomeip-0");
+  EXPECT_EQ(ShellWord("/tmp/a;b $(c) '"), R"('/tmp/a;b $(c) '\''')");
+  EXPECT_EQ(ShellWord("a'\\\n\xff"), R"($'a\'\\\x0a\xff')");
+  EXPECT_EQ(ShellWord(""), "''");
 }
 
 TEST(Names, TheNearestIsOffered) {

@@ -6,6 +6,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/signal_set.hpp>
+#include <boost/asio/steady_timer.hpp>
 
 namespace tarn7::tool {
 
@@ -26,6 +27,15 @@ Loop::Loop() : state_(std::make_unique<State>()) {
 Loop::~Loop() = default;
 
 void Loop::Post(std::function<void()> job) { boost::asio::post(state_->context, std::move(job)); }
+
+void Loop::PostAfter(Clock::duration time, std::function<void()> job) {
+  auto timer = std::make_shared<boost::asio::steady_timer>(state_->context, time);
+  timer->async_wait([timer, job = std::move(job)](const boost::system::error_code& error) {
+    if (!error) {
+      job();
+    }
+  });
+}
 
 bool Loop::RunUntil(TimePoint deadline, const std::function<bool()>& done) {
   for (bool isLate = false;;) {

@@ -28,6 +28,8 @@ class Loop {
 
   /// From any thread. The job runs on the thread that runs the loop, never after that left it for good.
   void Post(std::function<void()> job);
+  /// The same, when the time is over.
+  void PostAfter(Clock::duration time, std::function<void()> job);
 
   /// Runs jobs until `done`, which is asked before each. False when the deadline passed first, at
   /// which one more job is run: a caller that is always late gets on, too. Throws Interrupted.

@@ -1,5 +1,8 @@
 #include <exception>
 #include <iostream>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 #include "tools/tarn7/error.h"
 #include "tools/tarn7/front/command_line.h"
@@ -38,6 +41,11 @@ int Run(const Request& request) {
 }  // namespace
 
 int main(int argc, char** argv) {
+#ifdef __GLIBC__
+  // Large values go back to the system when they are gone. By default the heap keeps more of them the more there were.
+  constexpr int kLargeValue = 128 * 1024;
+  ::mallopt(M_MMAP_THRESHOLD, kLargeValue);
+#endif
   CommandLine line;
   const auto read = line.Read(argc, argv);
   const auto* const status = std::get_if<Status>(&read);

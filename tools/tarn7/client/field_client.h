@@ -1,10 +1,13 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
-#include <vector>
+#include <memory>
+#include <optional>
 
 #include "ara/com/subscription_state.h"
 #include "platform/include/e2e_status_handler.h"
+#include "tools/tarn7/client/sample_queue.h"
 #include "tools/tarn7/values/payload.h"
 
 namespace tarn7::tool {
@@ -30,9 +33,14 @@ class FieldClient {
 
   /// Follows the field; `arrived` is called after each sample that arrived.
   virtual void Subscribe(std::function<void()> arrived) = 0;
-  /// The samples that wait, oldest first. Each is a value of the field.
-  virtual std::vector<Payload> TakeSamples() = 0;
   virtual FieldState GetState() const = 0;
+  /// The oldest sample that waits: a value of the field.
+  std::optional<Payload> TakeSample() { return samples_->Take(); }
+  /// How many samples went unseen, because too many waited.
+  std::uint64_t CountDropped() const { return samples_->CountDropped(); }
+
+ protected:
+  const std::shared_ptr<SampleQueue> samples_ = std::make_shared<SampleQueue>();  // shared with the stack's handlers
 };
 
 }  // namespace tarn7::tool

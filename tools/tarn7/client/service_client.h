@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tools/tarn7/client/field_client.h"
+#include "tools/tarn7/client/instance_changes.h"
 #include "tools/tarn7/loop.h"
 #include "tools/tarn7/model/interface.h"
 
@@ -15,7 +16,7 @@ namespace tarn7::tool {
 /// loop's thread. Lives longer than the field clients that are from it, and not as long as the loop.
 class ServiceClient {
  public:
-  /// Runs on the loop after each change; may be empty.
+  /// Runs on the loop after a change, as InstanceChanges does; may be empty.
   using Changed = std::function<void(bool found)>;
 
   virtual ~ServiceClient() = default;
@@ -33,13 +34,13 @@ class ServiceClient {
   ServiceClient(Loop& loop, const Interface& interface, std::uint16_t instance, Changed changed);
 
   /// From any thread.
-  void ReportFound(bool found);
+  void ReportFound(bool found) { changes_.Report(instance_, found); }
 
  private:
   Loop& loop_;
-  std::string name_;  // "energysystem, instance 1"
-  Changed changed_;
+  const InstanceChanges::Instance instance_;
   bool found_ = false;
+  InstanceChanges changes_;
 };
 
 }  // namespace tarn7::tool

@@ -175,7 +175,7 @@ void List(const Context& context, const ListOptions& options) {
     }
   }
   if (options.as_json) {
-    context.output.WriteLine(Printable(interfaces.dump(2), "\n"));
+    context.output.WriteLine(Printable(interfaces.dump(2, ' ', false, Json::error_handler_t::replace), "\n"));
   }
 }
 

@@ -68,7 +68,14 @@ class Watcher {
   /// Says on standard error what was seen. Gives the terminal back.
   void Finish() {
     terminal_.reset();
+    std::uint64_t dropped = 0;
+    for (const Followed& followed : fields_) {
+      dropped += followed.client->CountDropped();
+    }
     std::cerr << Counted(samples_, "sample");
+    if (dropped > 0) {
+      std::cerr << ", " << dropped << " dropped because standard output took them too slowly";
+    }
     if (options_.as_summary) {
       std::cerr << ", " << bytes_ << " bytes";
     }
@@ -90,16 +97,21 @@ class Watcher {
 
   void Follow(const FieldAddress& address) {
     Followed& followed = fields_.emplace_back(address, ServiceOf(*address.interface));
-    // Posted once, however many samples arrive until it runs: the samples wait in the bounded cache, not in the loop.
     const auto posted = std::make_shared<std::atomic<bool>>(false);
-    followed.client->Subscribe([this, &followed, posted] {
-      if (!posted->exchange(true)) {
-        loop_.Post([this, &followed, posted] {
-          posted->store(false);
-          for (Payload& value : followed.client->TakeSamples()) {
-            Show(followed, std::move(value));
-          }
-        });
+    followed.client->Subscribe([this, &followed, posted] { ShowLater(followed, posted); });
+  }
+
+  /// From any thread, also when the field's client is gone. Posted once, however many samples arrive until it runs:
+  /// they wait in the bounded queue, not in the loop.
+  void ShowLater(Followed& followed, const std::shared_ptr<std::atomic<bool>>& posted) {
+    if (posted->exchange(true)) {
+      return;
+    }
+    loop_.Post([this, &followed, posted] {
+      *posted = false;
+      if (auto value = followed.client->TakeSample()) {
+        ShowLater(followed, posted);
+        Show(followed, std::move(*value));
       }
     });
   }

@@ -6,6 +6,7 @@
 
 #include "tools/tarn7/commands/commands.h"
 #include "tools/tarn7/error.h"
+#include "tools/tarn7/values/printable.h"
 #include "tools/tarn7/wireshark/profile.h"
 
 namespace tarn7::tool {
@@ -43,8 +44,8 @@ void WriteWiresharkProfile(const Context& context, const WiresharkOptions& optio
       throw CommandError(Status::kUsage, (folder / name).string() + " cannot be written: " + std::strerror(errno));
     }
   }
-  std::cerr << files.size() << " files written; with them: WIRESHARK_CONFIG_DIR=" << options.folder << " wireshark"
-            << std::endl;
+  std::cerr << files.size() << " files written; with them: WIRESHARK_CONFIG_DIR=" << ShellWord(options.folder)
+            << " wireshark" << std::endl;
 }
 
 }  // namespace tarn7::tool

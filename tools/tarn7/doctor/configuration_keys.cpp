@@ -59,7 +59,7 @@ constexpr Key kKeys[] = {
     {"max-payload-size-local", false},
     {"max-payload-size-reliable", false},
     {"max-payload-size-unreliable", false},
-    {"netmask", false},
+    {"netmask", true},
     {"network", false},
     {"network-options", false},
     {"partitions", false},

@@ -9,6 +9,8 @@
 #include <set>
 #include <vector>
 
+#include "tools/tarn7/values/printable.h"
+
 namespace tarn7::tool {
 
 namespace {
@@ -71,7 +73,7 @@ std::string ProcessName(pid_t process) {
   std::ifstream file("/proc/" + std::to_string(process) + "/comm");
   std::string name;
   std::getline(file, name);
-  return (name.empty() ? "unknown" : name) + " (process " + std::to_string(process) + ')';
+  return (name.empty() ? "unknown" : ShellWord(name)) + " (process " + std::to_string(process) + ')';
 }
 
 std::string UdpPortHolders(std::uint16_t port, const std::string& address) {

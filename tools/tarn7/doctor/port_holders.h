@@ -6,7 +6,7 @@
 
 namespace tarn7::tool {
 
-/// "demo (process 4711)".
+/// "demo (process 4711)". A name that is no plain word is quoted: processes choose their names.
 std::string ProcessName(pid_t process);
 
 /// The processes that have bound a UDP port, as "demo (process 4711), tarn7 (process 4712)"; empty where there are

@@ -10,6 +10,7 @@
 #include "tools/tarn7/build_info.h"
 #include "tools/tarn7/doctor/checks.h"
 #include "tools/tarn7/doctor/port_holders.h"
+#include "tools/tarn7/values/printable.h"
 
 namespace tarn7::tool {
 
@@ -68,11 +69,11 @@ void CheckLeftovers(const StackConfiguration& configuration, Findings& findings)
   for (const auto& entry : fs::directory_iterator(BasePath(), ignored)) {
     const std::string name = entry.path().filename();
     if (name.rfind(configuration.network + '-', 0) == 0 && entry.is_socket(ignored) && open.count(entry.path()) == 0) {
-      left += ' ' + entry.path().string();
+      left += ' ' + ShellWord(entry.path().string());
     }
   }
   if (!left.empty()) {
-    findings.push_back(Finding::Warning(kCheck, "sockets of processes that are gone are left behind", "rm" + left));
+    findings.push_back(Finding::Warning(kCheck, "sockets of processes that are gone are left behind", "rm --" + left));
   }
 }
 

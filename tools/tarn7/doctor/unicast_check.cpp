@@ -7,6 +7,7 @@
 #include "tools/tarn7/build_info.h"
 #include "tools/tarn7/doctor/checks.h"
 #include "tools/tarn7/doctor/udp_socket.h"
+#include "tools/tarn7/values/printable.h"
 
 namespace tarn7::tool {
 
@@ -43,7 +44,7 @@ Finding CheckAddress(const std::string& address) {
     choice += (choice.empty() ? "" : ", ") + local.address + " (" + local.interface + ')';
     if (local.address == address && !local.is_up) {
       return Finding::Problem(kCheck, address + " is on " + local.interface + ", which is down",
-                              "ip link set " + local.interface + " up");
+                              "ip link set " + ShellWord(local.interface) + " up");
     }
   }
   const std::string remedy = "configure \"unicast\" as one of " + choice;

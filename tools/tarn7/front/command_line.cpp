@@ -81,7 +81,10 @@ void AddFind(CLI::App& tool, Request& request) {
       ->description("Only this instance, and no longer than until it is found")
       ->each([&given = options.has_instance](const std::string&) { given = true; });
   auto* const timeout = AddTimeout(*command, options, "How long to look; 2000 if not given");
-  command->add_flag("--follow", options.follow, "Go on until Ctrl-C, and show what comes and goes")->excludes(timeout);
+  command
+      ->add_flag("--follow", options.follow,
+                 "Go on until Ctrl-C, and show what comes and goes, of each instance a change a second")
+      ->excludes(timeout);
   command->add_flag("--json", options.as_json, "A JSON object on each line");
   command->footer("Example:\n  tarn7 find energysystem --instance 1 --timeout 10000");
 }

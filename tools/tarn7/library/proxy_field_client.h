@@ -1,11 +1,11 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <stdexcept>
 #include <type_traits>
 #include <utility>
-#include <vector>
 
 #include "ara/com/internal/proxy/field.h"
 #include "ara/com/internal/proxy/proxy_binding_base.h"
@@ -48,23 +48,24 @@ class ProxyFieldClient final : public FieldClient {
   }
 
   void Subscribe(std::function<void()> arrived) override {
-    field_.SetReceiveHandler(std::move(arrived));
+    // Taken at once, because the library bounds by number only what waits in it.
+    field_.SetReceiveHandler([&field = field_, samples = samples_, check = check_, arrived = std::move(arrived)] {
+      field.GetNewSamples(
+          [&](auto sample) {
+            *check = sample.GetProfileCheckStatus();
+            samples->Push(Encode(*sample));
+          },
+          1);
+      arrived();
+    });
     field_.Subscribe(kCacheSize);
   }
 
-  std::vector<Payload> TakeSamples() override {
-    std::vector<Payload> samples;
-    field_.GetNewSamples([this, &samples](auto sample) {
-      check_ = sample.GetProfileCheckStatus();
-      samples.push_back(Encode(*sample));
-    });
-    return samples;
-  }
-
-  FieldState GetState() const override { return {field_.GetSubscriptionState(), check_}; }
+  FieldState GetState() const override { return {field_.GetSubscriptionState(), *check_}; }
 
  private:
   using Value = typename ProxyField::FieldType;
+  using Check = std::atomic<ara::com::e2exf::ProfileCheckStatus>;
 
   static Payload Encode(const Value& value) {
     Payload payload;
@@ -72,13 +73,13 @@ class ProxyFieldClient final : public FieldClient {
     return payload;
   }
 
-  /// What may arrive while a slow reader keeps standard output busy.
-  static constexpr std::size_t kCacheSize = 256;
+  /// What may arrive while a sample is taken.
+  static constexpr std::size_t kCacheSize = 16;
 
   std::shared_ptr<ara::com::internal::proxy::ProxyBindingBase> binding_;
   ProxyField& field_;
   ara::core::Future<Value> answer_;
-  ara::com::e2exf::ProfileCheckStatus check_ = ara::com::e2exf::ProfileCheckStatus::kNotAvailable;
+  const std::shared_ptr<Check> check_ = std::make_shared<Check>(ara::com::e2exf::ProfileCheckStatus::kNotAvailable);
 };
 
 }  // namespace tarn7::tool

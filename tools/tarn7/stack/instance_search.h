@@ -2,10 +2,9 @@
 
 #include <cstdint>
 #include <functional>
-#include <set>
-#include <utility>
 #include <vector>
 
+#include "tools/tarn7/client/instance_changes.h"
 #include "tools/tarn7/loop.h"
 #include "tools/tarn7/model/interface.h"
 #include "tools/tarn7/stack/stack_application.h"
@@ -24,7 +23,7 @@ struct InstanceChange {
 /// Follows which instances of some interfaces are offered, in whatever version. Used from the loop's thread.
 class InstanceSearch {
  public:
-  /// Runs on the loop for each instance that comes or goes.
+  /// Runs on the loop when an instance has come or gone, as InstanceChanges does.
   using Changed = std::function<void(const InstanceChange&)>;
 
   /// The loop must outlive the search. Throws std::runtime_error when the stack cannot be started.
@@ -33,10 +32,7 @@ class InstanceSearch {
   InstanceSearch& operator=(const InstanceSearch&) = delete;
 
  private:
-  void Report(const Interface& interface, std::uint16_t instance, bool found);
-
-  const Changed changed_;
-  std::set<std::pair<const Interface*, std::uint16_t>> found_;
+  InstanceChanges changes_;
   StackApplication application_;  // last: its handlers are gone before anything else here is
 };
 

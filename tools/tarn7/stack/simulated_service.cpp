@@ -1,6 +1,5 @@
 #include "tools/tarn7/stack/simulated_service.h"
 
-#include <iostream>
 #include <stdexcept>
 #include <utility>
 
@@ -73,8 +72,7 @@ void SimulatedService::AnswerSetter(std::size_t field, const Message& request) {
   try {
     CheckPayload(*interface_.fields[field].type, {payload->get_data(), payload->get_data() + payload->get_length()});
   } catch (const PayloadError& error) {
-    std::cerr << interface_.name << '/' << interface_.fields[field].name << ": refused to set: " << error.what()
-              << std::endl;
+    refused_.Write(interface_.name + '/' + interface_.fields[field].name + ": refused to set: " + error.what());
     RespondError(request, vsomeip::return_code_e::E_MALFORMED_MESSAGE);
     return;
   }
@@ -104,7 +102,7 @@ void SimulatedService::Respond(const Message& request, const std::shared_ptr<vso
   try {
     application_->send(response);
   } catch (const std::length_error& error) {
-    std::cerr << interface_.name << ": " << error.what() << std::endl;
+    too_large_.Write(interface_.name + ": " + error.what());
     RespondError(request, vsomeip::return_code_e::E_NOT_OK);
   }
 }

@@ -7,6 +7,7 @@
 
 #include <vsomeip/vsomeip.hpp>
 
+#include "tools/tarn7/client/limited_report.h"
 #include "tools/tarn7/model/interface.h"
 #include "tools/tarn7/stack/stack_application.h"
 #include "tools/tarn7/values/payload.h"
@@ -59,6 +60,8 @@ class SimulatedService : public std::enable_shared_from_this<SimulatedService> {
   StackApplication& application_;
   const Interface& interface_;
   const std::uint16_t instance_;
+  LimitedReport refused_;
+  mutable LimitedReport too_large_;
   mutable std::mutex mutex_;  // guards the members below
   std::vector<State> fields_;
   Counters counters_;

@@ -1,8 +1,6 @@
 #include "tools/tarn7/stack/stack_field_client.h"
 
 #include <atomic>
-#include <deque>
-#include <iostream>
 #include <mutex>
 #include <utility>
 
@@ -10,6 +8,7 @@
 #include "platform/include/error_domain_registry.h"
 #include "serialization/error_code_codec.h"
 #include "tools/tarn7/client/call_error.h"
+#include "tools/tarn7/client/limited_report.h"
 #include "tools/tarn7/error.h"
 #include "tools/tarn7/values/payload_check.h"
 
@@ -19,9 +18,6 @@ namespace {
 
 using Message = std::shared_ptr<vsomeip::message>;
 using ara::com::SubscriptionState;
-
-/// What may arrive while a slow reader keeps standard output busy.
-constexpr std::size_t kMaxSamples = 256;
 
 Payload PayloadOf(const vsomeip::message& message) {
   const auto payload = message.get_payload();
@@ -36,6 +32,16 @@ std::string WrongVersion(const vsomeip::message& message, const Interface& inter
   return version == interface.major_version ? ""
                                             : "it has interface version " + std::to_string(version) + " instead of " +
                                                   std::to_string(static_cast<int>(interface.major_version));
+}
+
+/// Throws PayloadError for what is no value of the field.
+Payload CheckedSample(const vsomeip::message& sample, const Interface& interface, const Field& field) {
+  if (const std::string fault = WrongVersion(sample, interface); !fault.empty()) {
+    throw PayloadError(fault);
+  }
+  Payload payload = PayloadOf(sample);
+  CheckPayload(*field.type, payload);
+  return payload;
 }
 
 [[noreturn]] void ThrowErrorResponse(const vsomeip::message& response) {
@@ -56,16 +62,9 @@ struct StackFieldClient::Inbox {
   std::mutex mutex;                // guards the members
   vsomeip::session_t session = 0;  // of the request
   Message response;
-  std::deque<Message> samples;
   std::atomic<ara::com::SubscriptionState> subscription{ara::com::SubscriptionState::kSubscriptionPending};
-
-  void Store(const Message& sample) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    if (samples.size() == kMaxSamples) {
-      samples.pop_front();
-    }
-    samples.push_back(sample);
-  }
+  LimitedReport passed_over;
+  LimitedReport refused;
 };
 
 StackFieldClient::StackFieldClient(StackServiceClient& service, const Field& field)
@@ -120,11 +119,17 @@ void StackFieldClient::Subscribe(std::function<void()> arrived) {
   const Interface& interface = service_.GetInterface();
   StackApplication& application = service_.Application();
   // The handler first: the value as it stands may be here before subscribe() has returned.
-  application->register_message_handler(interface.service_id, service_.Instance(), field_.event,
-                                        [inbox = inbox_, arrived = std::move(arrived)](const Message& sample) {
-                                          inbox->Store(sample);
-                                          arrived();
-                                        });
+  application->register_message_handler(
+      interface.service_id, service_.Instance(), field_.event,
+      [&interface, &field = field_, name = Name(), inbox = inbox_, samples = samples_,
+       arrived = std::move(arrived)](const Message& sample) {
+        try {
+          samples->Push(CheckedSample(*sample, interface, field));
+          arrived();
+        } catch (const PayloadError& error) {
+          inbox->passed_over.Write(name + ": a sample is passed over: " + error.what());
+        }
+      });
   application->request_event(interface.service_id, service_.Instance(), field_.event, {field_.eventgroup},
                              vsomeip::event_type_e::ET_FIELD);
   application->register_subscription_status_handler(
@@ -132,33 +137,11 @@ void StackFieldClient::Subscribe(std::function<void()> arrived) {
       [name = Name(), inbox = inbox_](auto, auto, auto, auto, auto status) {
         inbox->subscription = status == 0 ? SubscriptionState::kSubscribed : SubscriptionState::kNotSubscribed;
         if (status != 0) {
-          std::cerr << name + ": the subscription was refused\n";
+          inbox->refused.Write(name + ": the subscription was refused");
         }
       });
   application->subscribe(interface.service_id, service_.Instance(), field_.eventgroup, interface.major_version,
                          field_.event);
-}
-
-std::vector<Payload> StackFieldClient::TakeSamples() {
-  std::deque<Message> samples;
-  {
-    const std::lock_guard<std::mutex> lock(inbox_->mutex);
-    samples.swap(inbox_->samples);
-  }
-  std::vector<Payload> values;
-  for (const Message& sample : samples) {
-    Payload payload = PayloadOf(*sample);
-    try {
-      if (const std::string fault = WrongVersion(*sample, service_.GetInterface()); !fault.empty()) {
-        throw PayloadError(fault);
-      }
-      CheckPayload(*field_.type, payload);
-      values.push_back(std::move(payload));
-    } catch (const PayloadError& error) {
-      std::cerr << Name() << ": a sample is passed over: " << error.what() << std::endl;
-    }
-  }
-  return values;
 }
 
 // What an application offers is not protected end to end.

@@ -4,7 +4,6 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include <vsomeip/vsomeip.hpp>
 
@@ -24,9 +23,8 @@ class StackFieldClient final : public FieldClient {
   /// The bytes as they came, whatever they are.
   Payload TakeAnswer() override;
 
-  void Subscribe(std::function<void()> arrived) override;
   /// A sample that is no value of the field is reported on standard error and passed over.
-  std::vector<Payload> TakeSamples() override;
+  void Subscribe(std::function<void()> arrived) override;
   FieldState GetState() const override;
 
  private:

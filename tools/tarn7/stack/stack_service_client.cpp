@@ -11,14 +11,8 @@ StackServiceClient::StackServiceClient(Loop& loop, const Interface& interface, s
       interface_(interface),
       instance_(instance),
       application_("tarn7-client") {
-  // The stack reports at once that a service is not there, which is no news.
   application_->register_availability_handler(
-      interface.service_id, instance,
-      [this](auto, auto, bool available) {
-        if (available_.exchange(available) != available) {
-          ReportFound(available);
-        }
-      },
+      interface.service_id, instance, [this](auto, auto, bool available) { ReportFound(available); },
       interface.major_version, vsomeip::ANY_MINOR);
   application_->request_service(interface.service_id, instance, interface.major_version, vsomeip::ANY_MINOR);
 }

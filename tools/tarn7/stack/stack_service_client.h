@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 
@@ -23,8 +22,7 @@ class StackServiceClient final : public ServiceClient {
  private:
   const Interface& interface_;
   const std::uint16_t instance_;
-  std::atomic<bool> available_{false};  // as the stack reported last
-  StackApplication application_;        // last: its handlers are gone before anything else here is
+  StackApplication application_;  // last: its handlers are gone before anything else here is
 };
 
 }  // namespace tarn7::tool

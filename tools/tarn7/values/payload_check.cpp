@@ -17,7 +17,7 @@ constexpr const char* kValueTooShort = "Deserialization of ara::core::Vector<T> 
 constexpr const char* kSequenceTooShort = "Deserialization of sequence container failed, insufficient data.";
 constexpr const char* kNoSize = "Deserialization of structure failed, unable to read size.";
 constexpr const char* kRecordTooLong = "Deserialization of structure failed, declared size excess data length.";
-constexpr const char* kScalarTooShort = "Insufficient arguments from remote end";
+constexpr const char* kMemberTooShort = "Insufficient arguments from remote end";
 
 std::string At(const Place& place, const Extent& extent) {
   return place.ToString() + " at byte " + std::to_string(extent.offset) + ": ";
@@ -42,7 +42,7 @@ class Checker {
       case Kind::kInteger:
       case Kind::kFloat:
         if (extent.size < type.size) {
-          Fail(place, extent, kScalarTooShort);
+          Fail(place, extent, kMemberTooShort);
         }
         NoteUnread(place, extent.From(type.size));
         return;
@@ -109,7 +109,6 @@ class Checker {
     }
   }
 
-  // As the library does, looks at the extents of all elements first.
   void CheckElements(const ValueType& element, const Place& place, const Extent& extent) {
     if (element.IsScalar()) {
       if (extent.Length() % element.size != 0) {
@@ -117,27 +116,19 @@ class Checker {
       }
       return;
     }
-    std::size_t count = 0;
+    // As the library does, checks each element against all bytes there are, and then its extent against the sequence.
     Extent handed = extent.From(common::kLengthFieldSize);
-    for (Extent rest = extent.Content(); rest.size > 0; ++count) {
-      const Place next(place, count);
-      if (handed.size < common::kLengthFieldSize) {
-        Fail(next, rest, kNoSize);
-      }
-      if (handed.Length() > handed.size - common::kLengthFieldSize) {
-        Fail(next, rest, kRecordTooLong);
-      }
+    Extent rest = extent.Content();
+    for (std::size_t i = 0; rest.size > 0; ++i) {
+      const Place next(place, i);
+      const bool isWhole =
+          handed.size >= common::kLengthFieldSize && handed.Length() <= handed.size - common::kLengthFieldSize;
+      Check(element, next, isWhole ? handed.First(common::kLengthFieldSize + handed.Length()) : handed);
       const std::uint64_t size = common::kLengthFieldSize + handed.Length();
       if (size > rest.size) {
         Fail(next, rest, kSequenceTooShort);
       }
       handed = handed.From(size);
-      rest = rest.From(size);
-    }
-    Extent rest = extent.Content();
-    for (std::size_t i = 0; i < count; ++i) {
-      const std::uint64_t size = common::kLengthFieldSize + rest.Length();
-      Check(element, Place(place, i), rest.First(size));
       rest = rest.From(size);
     }
   }
