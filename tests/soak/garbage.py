@@ -3,20 +3,15 @@
 import random
 import struct
 
+import packets
+from packets import discovery
+
 SERVICE, MAJOR, GETTER, EVENTGROUP = 0x6005, 4, 0x4010, 0xC010  # of a service that is offered, for near misses
 OTHER_SERVICE = 0x4712
-DISCOVERY = 0xFFFF8100
 
 
-def message(identifier, body, kind, version=MAJOR, length=None, request=0x12340001):
-    return struct.pack(">IIIBBBB", identifier, 8 + len(body) if length is None else length, request, 1, version,
-                       kind, 0) + body
-
-
-def discovery(entries, options, entries_length=None, options_length=None):
-    body = struct.pack(">II", 0xC0000000, len(entries) if entries_length is None else entries_length) + entries
-    body += struct.pack(">I", len(options) if options_length is None else options_length) + options
-    return message(DISCOVERY, body, 2, 1)
+def message(identifier, body, kind, **fields):
+    return packets.message(identifier, body, kind, MAJOR, **fields)
 
 
 class Garbage:

@@ -80,6 +80,16 @@ class Process:
         self.write(line)
         self.wait_until(lambda: len(self.lines) >= goal, f"answer to {line:.20}")
 
+    @classmethod
+    def log_lines(cls):
+        """How many lines all of them have written to their logs."""
+        count = 0
+        for name in os.listdir(cls.folder):
+            if name.endswith(".log"):
+                with open(f"{cls.folder}/{name}", "rb") as log:
+                    count += log.read().count(b"\n")
+        return count
+
     def memory(self):
         """What it has allocated and touched, in KiB."""
         require(self._process.poll() is None, f"{self.name} ended with status {self._process.poll()}")
