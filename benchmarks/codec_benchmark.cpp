@@ -82,7 +82,9 @@ void RegisterField() {
   for (const std::size_t records : {1U, 100U, 10'000U}) {
     const auto add = [&](const char* what, void (*function)(benchmark::State&, std::size_t)) {
       const std::string name = std::string(what) + " " + field + ", records: " + std::to_string(records);
-      benchmark::RegisterBenchmark(name.c_str(), function, records)->UseManualTime()->Iterations(60);
+      benchmark::RegisterBenchmark(name.c_str(), function, records)
+          ->UseManualTime()
+          ->Iterations(benchmarks::Rounds(60));
     };
     add("encode", EncodeIntoCapacity<Field>);
     add("encode into empty", EncodeIntoEmpty<Field>);
@@ -97,9 +99,6 @@ int main(int argc, char** argv) {
   RegisterField<energysystem::energysystem_binding::vsomeip::descriptors::highVoltageBatteries>();
   RegisterField<routebasedconsumption::routebasedconsumption_binding::vsomeip::descriptors::residualEnergies>();
   RegisterField<chargetimemanager::chargetimemanager_binding::vsomeip::descriptors::chargeTimeCalculations>();
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-    return EXIT_FAILURE;
-  }
+  benchmarks::TakeOptions(argc, argv);
   benchmark::RunSpecifiedBenchmarks();
 }

@@ -3,12 +3,21 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <cstdlib>
 #include <exception>
 #include <vector>
 
 #include <benchmark/benchmark.h>
 
 namespace benchmarks {
+
+/// Takes the program's options, and ends it where one is unknown.
+inline void TakeOptions(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+    std::exit(EXIT_FAILURE);
+  }
+}
 
 template <typename Call>
 double SecondsPerCall(int calls, Call& call) {
@@ -26,25 +35,33 @@ inline double Median(std::vector<double> values) {
   return *middle;
 }
 
-/// Times two ways of doing the same thing in turns, a batch of `calls` each, so that whatever else the machine does
-/// meets both alike. Reports the median batch of either side per call, in ns, and the ratio of the two. The benchmark
-/// must use manual time, which is that of our side's batches. What a call throws ends the benchmark as failed.
+/// How often a benchmark compares in one repetition: as often as wanted, or as TARN7_BENCHMARK_ROUNDS says, if that is
+/// less. For checks that everything still runs.
+inline int Rounds(int wanted) {
+  const char* const limit = std::getenv("TARN7_BENCHMARK_ROUNDS");
+  return limit == nullptr ? wanted : std::clamp(std::atoi(limit), 1, wanted);
+}
+
+/// Times two ways of doing the same thing in turns, so that whatever else the machine does meets both alike. Each is
+/// called without arguments and returns the seconds that one item of its work has taken: what goes before and after is
+/// not timed. Reports the median of either side, in ns, and the ratio of the two. The benchmark must use manual time,
+/// which is our side's. What a side throws ends the benchmark as failed.
 template <typename Ours, typename Baseline>
-void Compare(benchmark::State& state, int calls, Ours ours, Baseline baseline) {
+void CompareTimes(benchmark::State& state, Ours ours, Baseline baseline) {
   std::vector<double> ourTimes;
   std::vector<double> baselineTimes;
   bool oursFirst = true;
   try {
     for (auto _ : state) {
       if (oursFirst) {
-        ourTimes.push_back(SecondsPerCall(calls, ours));
+        ourTimes.push_back(ours());
       }
-      baselineTimes.push_back(SecondsPerCall(calls, baseline));
+      baselineTimes.push_back(baseline());
       if (!oursFirst) {
-        ourTimes.push_back(SecondsPerCall(calls, ours));
+        ourTimes.push_back(ours());
       }
       oursFirst = !oursFirst;
-      state.SetIterationTime(ourTimes.back() * calls);
+      state.SetIterationTime(ourTimes.back());
     }
   } catch (const std::exception& error) {
     state.SkipWithError(error.what());
@@ -55,6 +72,13 @@ void Compare(benchmark::State& state, int calls, Ours ours, Baseline baseline) {
   state.counters["ours_ns"] = ourMedian * 1e9;
   state.counters["baseline_ns"] = baselineMedian * 1e9;
   state.counters["ratio"] = ourMedian / baselineMedian;
+}
+
+/// The same for what is timed as a whole, in batches of `calls`.
+template <typename Ours, typename Baseline>
+void Compare(benchmark::State& state, int calls, Ours ours, Baseline baseline) {
+  CompareTimes(
+      state, [&] { return SecondsPerCall(calls, ours); }, [&] { return SecondsPerCall(calls, baseline); });
 }
 
 }  // namespace benchmarks

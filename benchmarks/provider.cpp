@@ -2,7 +2,9 @@
 // twice each. Its standard input names the first instance; the end of the input ends the process.
 #include "benchmarks/provider.h"
 
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <iostream>
 #include <memory>
 #include <set>
@@ -11,6 +13,7 @@
 #include <thread>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 #include <vsomeip/vsomeip.hpp>
 
@@ -48,6 +51,7 @@ class Server {
     OfferNotifications<chargeTimeCalculations>(instance);
     Answer<chargeTimeCalculations>(instance, chargeTimeCalculations::setter_method_id,
                                    [](const Message& request) { return request->get_payload(); });
+    OfferBytes<chargeTimeCalculations::Service>(instance);
     OfferService<chargeTimeCalculations::Service>(instance);
   }
 
@@ -62,10 +66,31 @@ class Server {
   void OfferField(vsomeip::instance_t instance, std::size_t records) {
     const Payload value = vsomeip::runtime::get()->create_payload(benchmarks::FilledPayload<Field>(records));
     Answer<Field>(instance, Field::getter_method_id, [value](const Message&) { return value; });
-    application_->offer_event(Field::Service::service_id, instance, Field::event_id, {Field::event_id},
-                              vsomeip::event_type_e::ET_FIELD, std::chrono::milliseconds::zero(), false, true, nullptr,
-                              vsomeip::reliability_type_e::RT_UNRELIABLE);
+    OfferFieldEvent(Field::Service::service_id, instance, Field::event_id);
     application_->notify(Field::Service::service_id, instance, Field::event_id, value);
+  }
+
+  void OfferFieldEvent(vsomeip::service_t service, vsomeip::instance_t instance, vsomeip::event_t event) {
+    application_->offer_event(service, instance, event, {event}, vsomeip::event_type_e::ET_FIELD,
+                              std::chrono::milliseconds::zero(), false, true, nullptr,
+                              vsomeip::reliability_type_e::RT_UNRELIABLE);
+  }
+
+  template <typename Service>
+  void OfferBytes(vsomeip::instance_t instance) {
+    const auto notify = [this, instance](std::uint32_t size) {
+      auto value = vsomeip::runtime::get()->create_payload();
+      value->set_data(std::vector<vsomeip::byte_t>(size, 0x5A));
+      application_->notify(Service::service_id, instance, benchmarks::kBytesEvent, std::move(value), true);
+    };
+    application_->register_message_handler(Service::service_id, instance, benchmarks::kNotifyBytesMethod,
+                                           [notify](const Message& request) {
+                                             std::uint32_t size = 0;
+                                             std::memcpy(&size, request->get_payload()->get_data(), sizeof(size));
+                                             notify(size);
+                                           });
+    OfferFieldEvent(Service::service_id, instance, benchmarks::kBytesEvent);
+    notify(1);
   }
 
   template <typename Field, typename GetPayload>

@@ -23,6 +23,11 @@ inline constexpr std::size_t kLargeRecords = 30;  // in a value of LargeField; s
 /// or of chargeTimeCalculations. There is no response.
 inline constexpr std::uint16_t kNotifyMethod = 0x0001;
 
+/// A field of chargeTimeCalculations' service that is nothing but bytes, and the method that notifies a new value of
+/// it: as many bytes as the request's payload says, a number of this machine. There is no response.
+inline constexpr std::uint16_t kBytesEvent = 0x8F01;
+inline constexpr std::uint16_t kNotifyBytesMethod = 0x0002;
+
 /// The provider's process. Everything is offered twice: at Instance() for the product, at BareInstance() for the bare
 /// interface, since a process has one handler for each method of an instance.
 class Provider {

@@ -1,13 +1,12 @@
 // Round trips through the product's proxies, beside the same messages through the stack's bare interface, on the same
 // stack, in the same process, to the same process.
-#include <chrono>
 #include <functional>
 #include <memory>
-#include <stdexcept>
 #include <string>
 
 #include <benchmark/benchmark.h>
 
+#include "benchmarks/await.h"
 #include "benchmarks/bare_client.h"
 #include "benchmarks/comparison.h"
 #include "benchmarks/processors.h"
@@ -22,6 +21,7 @@ namespace {
 
 using ara::com::internal::vsomeip::common::DeserializeFieldValue;
 using ara::com::internal::vsomeip::runtime::VSomeIPConnection;
+using benchmarks::Await;
 using benchmarks::BareClient;
 using benchmarks::chargeTimeCalculations;
 using benchmarks::LargeField;
@@ -48,14 +48,6 @@ struct Sides {
 };
 using EnergySystem = Sides<EnergySystemProxy, SmallField::Service>;
 using ChargeTimeManager = Sides<ChargeTimeManagerProxy, chargeTimeCalculations::Service>;
-
-template <typename T>
-T Await(ara::core::Future<T> future) {
-  if (future.wait_for(std::chrono::seconds(10)) != ara::core::future_status::ready) {
-    throw std::runtime_error("no answer");
-  }
-  return future.get();
-}
 
 void CompareWithBare(benchmark::State& state, const std::function<void()>& ours, const std::function<void()>& bare) {
   benchmarks::Compare(state, kCallsPerBatch, ours, bare);
@@ -148,7 +140,7 @@ void Run(const benchmarks::Provider& provider) {
   ChargeTimeManager chargeTimeManager(provider);
   Notification notification(provider, energySystem);
   const auto add = [](const char* name, auto function) {
-    benchmark::RegisterBenchmark(name, function)->UseManualTime()->Iterations(kBatches);
+    benchmark::RegisterBenchmark(name, function)->UseManualTime()->Iterations(benchmarks::Rounds(kBatches));
   };
   add("get energysystem, records: 1",
       [&](benchmark::State& state) { Get<SmallField>(state, energySystem, energySystem.proxy.highVoltageBatteries); });
@@ -168,10 +160,7 @@ void Run(const benchmarks::Provider& provider) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-    return EXIT_FAILURE;
-  }
+  benchmarks::TakeOptions(argc, argv);
   const benchmarks::Provider provider(BENCHMARK_PROVIDER);
   benchmarks::BindToProcessor(benchmarks::kClientProcessor);
   Run(provider);

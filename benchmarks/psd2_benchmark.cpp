@@ -1,41 +1,32 @@
 // The deep tree of a psd2 link layer: encoded, beside a memcpy of the same bytes and beside protobuf with a message of
-// the same tree; built and copied. Every member but the layer's description is present; the sequences in a link hold
-// two elements each.
+// the same tree; decoded, beside protobuf's parsing of that message; built and copied. Every member but the layer's
+// description is present; the sequences in a link hold two elements each.
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <link_layer.pb.h>
+#include <stdexcept>
 #include <string>
-#include <vector>
 
 #include <benchmark/benchmark.h>
 
 #include "benchmarks/allocation_counter.h"
 #include "benchmarks/comparison.h"
-#include "benchmarks/values.h"
-#include "interfaces/psd2/psd2_datatypes.h"
+#include "benchmarks/link_layer.h"
+#include "serialization/deserializer.h"
 #include "serialization/serializer.h"
 
 namespace {
 
 using ara::com::internal::vsomeip::common::ByteVector;
 using ara::com::internal::vsomeip::common::SequenceContainerSerializer;
+using benchmarks::BuildLayer;
+using benchmarks::LinkLayer;
 namespace common = ara::com::internal::vsomeip::common;
 namespace datatypes = kro::services::psd2::datatypes;
-using LinkLayer = std::vector<datatypes::DT_linkLayerLongRange_struct>;
 using Protobuf = google::protobuf::Message;
 
 constexpr std::size_t kLinksPerBatch = 2000;  // so that small values fill a batch that a clock can measure
-
-LinkLayer BuildLayer(std::size_t links) {
-  const benchmarks::MemberFiller filler(2);
-  LinkLayer layer(1);
-  layer[0].member0.emplace().fill(0x11);
-  for (auto& link : layer[0].member1.emplace(links)) {
-    datatypes::DT_link::enumerate(link, filler);
-  }
-  return layer;
-}
 
 /// Gives a message the values of a record: the field of a member has its data id plus one as its number.
 class ProtobufFiller {
@@ -128,6 +119,25 @@ void EncodeBesideProtobuf(benchmark::State& state, std::size_t links) {
   state.SetLabel("protobuf, " + std::to_string(message.ByteSizeLong()) + " bytes");
 }
 
+/// Each side makes a fresh value of its own bytes and destroys it, both within the time.
+void DecodeBesideProtobuf(benchmark::State& state, std::size_t links) {
+  const LinkLayer value = BuildLayer(links);
+  const ByteVector bytes = Encode(value);
+  const std::string message = ToProtobuf(value).SerializeAsString();
+  const auto decode = [&] {
+    const auto decoded = common::DeserializeFieldValue<LinkLayer>(bytes.data(), bytes.size());
+    benchmark::DoNotOptimize(decoded.data());
+  };
+  Compare(state, value, decode, [&] {
+    benchmarks::proto::LinkLayer parsed;
+    if (!parsed.ParseFromString(message)) {
+      throw std::runtime_error("protobuf does not parse what it wrote");
+    }
+    benchmark::DoNotOptimize(parsed.layers_size());
+  });
+  state.SetLabel("protobuf");
+}
+
 void Build(benchmark::State& state, std::size_t links) {
   const LinkLayer value = BuildLayer(links);
   Compare(
@@ -155,16 +165,14 @@ int main(int argc, char** argv) {
   for (const std::size_t links : {10U, 1000U, 10'000U}) {
     const auto add = [&](const char* what, void (*function)(benchmark::State&, std::size_t)) {
       const std::string name = std::string(what) + " psd2 link layer, links: " + std::to_string(links);
-      benchmark::RegisterBenchmark(name.c_str(), function, links)->UseManualTime()->Iterations(20);
+      benchmark::RegisterBenchmark(name.c_str(), function, links)->UseManualTime()->Iterations(benchmarks::Rounds(20));
     };
     add("encode", EncodeBesideCopy);
     add("encode beside protobuf", EncodeBesideProtobuf);
+    add("decode beside protobuf", DecodeBesideProtobuf);
     add("build", Build);
     add("copy", CopyBesideProtobuf);
   }
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-    return EXIT_FAILURE;
-  }
+  benchmarks::TakeOptions(argc, argv);
   benchmark::RunSpecifiedBenchmarks();
 }

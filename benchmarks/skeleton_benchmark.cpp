@@ -163,7 +163,7 @@ void Run() {
           Update(state, offers, arrivals, count, records);
         })
         ->UseManualTime()
-        ->Iterations(kBatches);
+        ->Iterations(benchmarks::Rounds(kBatches));
   };
   for (const std::size_t records : {std::size_t{1}, std::size_t{10}, std::size_t{30}, std::size_t{300}}) {
     add(1, records);
@@ -175,9 +175,6 @@ void Run() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-    return EXIT_FAILURE;
-  }
+  benchmarks::TakeOptions(argc, argv);
   Run();
 }

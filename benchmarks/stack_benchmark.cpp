@@ -1,5 +1,8 @@
-// A round trip through the stack's bare interface, beside a bare UDP echo of the same number of bytes. Two processes
-// each, at the same processors.
+// A round trip through the stack's bare interface, beside a bare UDP echo of the same number of bytes; and how long a
+// large value takes to its subscriber, beside memcpy of as many bytes. Two processes each, at the same processors.
+#include <chrono>
+#include <cstdint>
+#include <cstring>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -9,6 +12,7 @@
 #include <benchmark/benchmark.h>
 #include <vsomeip/vsomeip.hpp>
 
+#include "benchmarks/application.h"
 #include "benchmarks/bare_client.h"
 #include "benchmarks/comparison.h"
 #include "benchmarks/processors.h"
@@ -22,29 +26,8 @@ using benchmarks::chargeTimeCalculations;
 constexpr std::size_t kHeaderSize = 16;
 constexpr int kCallsPerBatch = 25;
 constexpr int kBatches = 400;
-constexpr double kWantedRatio = 3;
-
-class Application {
- public:
-  Application() : application_(vsomeip::runtime::get()->create_application("tarn7_benchmark_client")) {
-    if (!application_->init()) {
-      throw std::runtime_error("the stack cannot be started");
-    }
-    network_ = std::thread([this] { application_->start(); });
-  }
-  ~Application() {
-    application_->stop();
-    network_.join();
-  }
-  Application(const Application&) = delete;
-  Application& operator=(const Application&) = delete;
-
-  const std::shared_ptr<vsomeip::application>& Get() const { return application_; }
-
- private:
-  const std::shared_ptr<vsomeip::application> application_;
-  std::thread network_;
-};
+constexpr double kWantedRatio = WANTED_RATIO;
+constexpr std::chrono::milliseconds kPause{50};
 
 void RoundTrip(benchmark::State& state, benchmarks::BareClient& client, benchmarks::UdpEcho& echo,
                std::size_t payloadSize) {
@@ -65,9 +48,38 @@ void RoundTrip(benchmark::State& state, benchmarks::BareClient& client, benchmar
   state.SetLabel("UDP echo");
 }
 
+// From the request that makes the provider notify, to the value in the handler. Large values come now and then, not one
+// after the other. Nothing may be lost on the way: a value that does not come ends the benchmark as failed.
+void StateLatency(benchmark::State& state, benchmarks::BareClient& client, std::uint32_t size, int callsPerBatch) {
+  std::vector<vsomeip::byte_t> request(sizeof(size));
+  std::memcpy(request.data(), &size, sizeof(size));
+  const std::vector<unsigned char> value(size, 0x5A);
+  std::vector<unsigned char> copy(size);
+  const auto fetch = [&] {
+    client.Send(benchmarks::kNotifyBytesMethod, vsomeip::runtime::get()->create_payload(request),
+                vsomeip::message_type_e::MT_REQUEST_NO_RETURN);
+    if (client.Receive()->get_payload()->get_length() != size) {
+      throw std::runtime_error("not what was notified");
+    }
+  };
+  const auto copyBytes = [&] {
+    std::memcpy(copy.data(), value.data(), size);
+    benchmark::DoNotOptimize(copy.data());
+  };
+  benchmarks::CompareTimes(
+      state,
+      [&] {
+        std::this_thread::sleep_for(kPause);
+        return benchmarks::SecondsPerCall(callsPerBatch, fetch);
+      },
+      [&] { return benchmarks::SecondsPerCall(callsPerBatch, copyBytes); });
+  state.counters["bytes"] = size;
+  state.SetLabel("memcpy");
+}
+
 void Run(const benchmarks::Provider& provider, benchmarks::UdpEcho& echo) {
   using Service = chargeTimeCalculations::Service;
-  const Application application;
+  const benchmarks::Application application("tarn7_benchmark_client");
   benchmarks::BareClient client(application.Get(), Service::service_id, provider.BareInstance(),
                                 Service::major_version);
   for (const std::size_t size : {32U, 1024U}) {
@@ -77,16 +89,26 @@ void Run(const benchmarks::Provider& provider, benchmarks::UdpEcho& echo) {
         ->UseManualTime()
         ->Iterations(kBatches);
   }
+  benchmarks::BareClient subscriber(application.Get(), Service::service_id, provider.BareInstance(),
+                                    Service::major_version);
+  subscriber.Follow(benchmarks::kBytesEvent);
+  for (const std::uint32_t size : {5'000U, 50'000U, 500'000U, 5'000'000U}) {
+    const std::string name = "stack state latency, payload bytes: " + std::to_string(size);
+    const bool isLarge = size > 100'000;
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [&, size, isLarge](benchmark::State& state) {
+                                   StateLatency(state, subscriber, size, isLarge ? 1 : kCallsPerBatch);
+                                 })
+        ->UseManualTime()
+        ->Iterations(benchmarks::Rounds(isLarge ? 50 : 100));
+  }
   benchmark::RunSpecifiedBenchmarks();
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-    return EXIT_FAILURE;
-  }
+  benchmarks::TakeOptions(argc, argv);
   const benchmarks::Provider provider(BENCHMARK_PROVIDER);
   benchmarks::UdpEcho echo;
   benchmarks::BindToProcessor(benchmarks::kClientProcessor);

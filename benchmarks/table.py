@@ -13,7 +13,7 @@ HEADINGS = ["benchmark", "time", "compared with", "its time", "ratio", "lowest t
 
 def duration(nanoseconds):
     """Nanoseconds with three digits and the unit that fits."""
-    for unit, size in (("ms", 1e6), ("us", 1e3)):
+    for unit, size in (("s", 1e9), ("ms", 1e6), ("us", 1e3)):
         if nanoseconds >= size:
             return f"{nanoseconds / size:.3g} {unit}"
     return f"{nanoseconds:.3g} ns"
