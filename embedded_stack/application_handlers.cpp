@@ -4,16 +4,20 @@
 namespace vsomeip_v3::embedded {
 
 bool ApplicationImpl::PushTask(Dispatcher::Task task) {
+  const std::uint32_t requester = task.requester;
   const bool has_room = dispatcher_->Push(std::move(task));
-  if (!has_room) drops_.Count(Drop::kQueueFull, "a handler blocks", std::chrono::steady_clock::now());
+  if (!has_room) {
+    const std::string detail = requester != 0 ? "requests of " + AddressText(requester) : "a handler blocks";
+    drops_.Count(Drop::kQueueFull, detail, std::chrono::steady_clock::now());
+  }
   return has_room;
 }
 
-void ApplicationImpl::PushMessage(std::shared_ptr<message> message) {
+void ApplicationImpl::PushMessage(std::shared_ptr<message> message, std::uint32_t requester) {
   auto slot = handlers_.FindMessage(message->get_service(), message->get_instance(), message->get_method());
   if (!slot) return;
   const std::size_t bytes = kHeaderSize + message->get_length();
-  PushTask({std::move(slot), std::move(message), nullptr, bytes});
+  PushTask({std::move(slot), std::move(message), nullptr, bytes, requester});
 }
 
 bool ApplicationImpl::PushStatus(const ServiceInstance& key, eventgroup_t eventgroup, event_t event, bool accepted) {

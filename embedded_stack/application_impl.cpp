@@ -33,7 +33,7 @@ ApplicationImpl::ApplicationImpl(std::string name, std::string configuration_fil
       dispatcher_(std::make_shared<Dispatcher>(log_)),
       drops_(*log_),
       sockets_([this](Sockets::Channel channel, std::size_t socket, const Endpoint& from, ByteView datagram) {
-        OnDatagram(channel, socket, from, datagram);
+        return OnDatagram(channel, socket, from, datagram);
       }) {}
 
 // start() keeps the application alive, so nothing runs any more, except for handlers that stop() left behind.

@@ -101,12 +101,13 @@ class ApplicationImpl final : public application, public std::enable_shared_from
 
   // application_network.cpp: what comes from the network, and what goes there.
   void OnReadable();  // takes the lock
-  void OnDatagram(Sockets::Channel channel, std::size_t socket, const Endpoint& from, ByteView datagram);
+  // Returns how many messages were in it.
+  std::size_t OnDatagram(Sockets::Channel channel, std::size_t socket, const Endpoint& from, ByteView datagram);
   void OnDiscovery(bool multicast, const Endpoint& from, ByteView datagram);
   void WarnOfRival(const DiscoveryEntry& offer, std::uint32_t from);
   void OnDiscoveryEntry(DiscoveryEntry entry, std::uint32_t from, bool multicast, DiscoveryOutput& out);
   bool IsInNetwork(std::uint32_t address) const;
-  void OnData(std::size_t socket, const Endpoint& from, ByteView datagram);
+  std::size_t OnData(std::size_t socket, const Endpoint& from, ByteView datagram);
   void OnMessage(std::size_t socket, const Endpoint& from, const MessageHeader& header, ByteView payload);
   void OnSegment(const Origin& origin, const MessageHeader& header, instance_t instance, ByteView bytes);
   const instance_t* Admit(const Origin& origin, const MessageHeader& header);
@@ -126,9 +127,9 @@ class ApplicationImpl final : public application, public std::enable_shared_from
   void TellStatus(const DiscoveryOutput::SubscriptionStatus& status);
   void SendInitialValues(const DiscoveryOutput::NewSubscriber& subscriber);
   bool PushStatus(const ServiceInstance& key, eventgroup_t eventgroup, event_t event, bool accepted);
-  void PushMessage(std::shared_ptr<message> message);
+  void PushMessage(std::shared_ptr<message> message, std::uint32_t requester = 0);
   // False if it was dropped.
-  bool Push(std::function<void()> function) { return PushTask({nullptr, nullptr, std::move(function), 0}); }
+  bool Push(std::function<void()> function) { return PushTask({nullptr, nullptr, std::move(function)}); }
   bool PushTask(Dispatcher::Task task);
 
   void Wake();       // makes the thread in start() look at the tables
@@ -157,6 +158,7 @@ class ApplicationImpl final : public application, public std::enable_shared_from
   std::unique_ptr<PeerTable> peers_;    // likewise
   port_t discovery_port_ = 0;
   std::uint32_t netmask_ = 0;
+  bool may_send_error_ = true;           // for the datagram at hand
   bool is_availability_untold_ = false;  // to some handler, because the queue was full
   Reassembler reassembler_;
   std::unique_ptr<SendQueue> queue_;

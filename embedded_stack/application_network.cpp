@@ -1,5 +1,7 @@
 // The part of the application between the tables and the network.
 #include <algorithm>
+#include <exception>
+#include <utility>
 
 #include "embedded_stack/application_impl.h"
 
@@ -18,17 +20,19 @@ std::string NameOf(const Endpoint& endpoint) {
 void ApplicationImpl::OnReadable() {
   const Lock lock(mutex_);
   if (state_ != State::kRunning) return;
-  sockets_.Receive();
+  try {
+    sockets_.Receive();
+  } catch (const std::exception& error) {  // no memory: what came is lost, what comes is not
+    log_->Error("cannot receive: ", error.what());
+  }
   dispatcher_->WatchAgain(sockets_.Descriptor());
 }
 
-void ApplicationImpl::OnDatagram(Sockets::Channel channel, std::size_t socket, const Endpoint& from,
-                                 ByteView datagram) {
-  if (channel == Sockets::Channel::kData) {
-    OnData(socket, from, datagram);
-  } else {
-    OnDiscovery(channel == Sockets::Channel::kDiscoveryMulticast, from, datagram);
-  }
+std::size_t ApplicationImpl::OnDatagram(Sockets::Channel channel, std::size_t socket, const Endpoint& from,
+                                        ByteView datagram) {
+  if (channel == Sockets::Channel::kData) return OnData(socket, from, datagram);
+  OnDiscovery(channel == Sockets::Channel::kDiscoveryMulticast, from, datagram);
+  return 1;
 }
 
 void ApplicationImpl::OnDiscovery(bool multicast, const Endpoint& from, ByteView datagram) {
@@ -89,21 +93,26 @@ void ApplicationImpl::WarnOfRival(const DiscoveryEntry& offer, std::uint32_t fro
                 " as well as by this process. Each client uses one of the two: end one, or offer another instance");
 }
 
-// A datagram may hold several messages.
-void ApplicationImpl::OnData(std::size_t socket, const Endpoint& from, ByteView datagram) {
+// A datagram may hold several messages. However many of them are wrong, one error answers them: it costs no more to
+// send them than to refuse them.
+std::size_t ApplicationImpl::OnData(std::size_t socket, const Endpoint& from, ByteView datagram) {
+  std::size_t count = 0;
+  may_send_error_ = true;
   do {
+    ++count;
     const auto header = DecodeHeader(datagram);
     const std::size_t rest = datagram.Sub(kHeaderSize).size();
     if (!header || header->length < kLengthBase || header->length - kLengthBase > rest) {
       drops_.Count(Drop::kMalformed, NameOf(from), Clock::now());
       const bool answer = header && header->length != 0 && header->Type() == message_type_e::MT_REQUEST;
       if (answer) SendError({socket, from}, *header, return_code_e::E_MALFORMED_MESSAGE);
-      return;
+      break;
     }
     const std::size_t payload_size = header->length - kLengthBase;
     OnMessage(socket, from, *header, datagram.Sub(kHeaderSize, payload_size));
     datagram = datagram.Sub(kHeaderSize + payload_size);
   } while (datagram.size() > 0);
+  return count;
 }
 
 void ApplicationImpl::OnMessage(std::size_t socket, const Endpoint& from, const MessageHeader& header,
@@ -189,10 +198,11 @@ void ApplicationImpl::Deliver(const Origin& origin, const MessageHeader& header,
   } else if (IsNotification(header.Type())) {
     used_events_.Keep(key, header.method, message);
   }
-  PushMessage(std::move(message));
+  PushMessage(std::move(message), IsRequest(header.Type()) ? origin.peer.address : 0);
 }
 
 void ApplicationImpl::SendError(const Origin& origin, const MessageHeader& request, return_code_e code) {
+  if (!std::exchange(may_send_error_, false)) return;
   MessageHeader error = request;
   error.protocol_version = kProtocolVersion;
   error.type = static_cast<std::uint8_t>(message_type_e::MT_ERROR);
@@ -212,8 +222,7 @@ void ApplicationImpl::Transmit(const SendQueue::Target& target, const MessageHea
     if (more && sent == payload.size()) return;
   }
   if (!queue_->Push(target, header, keep(), sent)) {
-    log_->Error("the send queue is full: message of ", Hex(header.service), " to ", NameOf(target.second), " dropped");
-    return;
+    return drops_.Count(Drop::kSendQueueFull, Hex(header.service) + " to " + NameOf(target.second), now);
   }
   const TimePoint planned = next_flush_;
   Flush(now);

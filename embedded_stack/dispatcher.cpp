@@ -1,6 +1,7 @@
 #include "embedded_stack/dispatcher.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <condition_variable>
 #include <cstring>
@@ -42,6 +43,7 @@ struct Dispatcher::Core : std::enable_shared_from_this<Core> {
   void Await(std::unique_lock<std::mutex>& lock);
   void Wake() const;
   bool AddThread();
+  std::size_t& RequestsOf(std::uint32_t address) { return requests[address % requests.size()]; }
 
   const std::shared_ptr<Log> log;
   int poll = -1;      // set by Open()
@@ -51,6 +53,7 @@ struct Dispatcher::Core : std::enable_shared_from_this<Core> {
   std::condition_variable finished_changed;
   std::deque<Task> tasks;
   std::size_t message_bytes = 0;
+  std::array<std::size_t, 64> requests{};  // that wait, of the addresses with the same last bits
   std::vector<std::thread> threads;
   std::set<std::thread::id> finished;
   std::thread::id leader;  // none: nobody leads
@@ -126,6 +129,7 @@ void Dispatcher::Core::Lead(std::unique_lock<std::mutex>& lock) {
   while (leader == std::this_thread::get_id() && !tasks.empty() && !stopping) {
     Task task = std::move(tasks.front());
     message_bytes -= task.message_bytes;
+    if (task.requester != 0) --RequestsOf(task.requester);
     tasks.pop_front();
     task_began = Clock::now();
     if (!tasks.empty() && !is_watched) Wake();
@@ -191,6 +195,11 @@ bool Dispatcher::Push(Task task) {
   const std::lock_guard<std::mutex> lock(core.mutex);
   if (core.tasks.size() >= (task.message_bytes > 0 ? kMaxMessages : kMaxTasks)) return false;
   if (task.message_bytes > kMaxMessageBytes - core.message_bytes) return false;
+  if (task.requester != 0) {
+    std::size_t& requests = core.RequestsOf(task.requester);
+    if (requests >= kMaxRequestsEach) return false;
+    ++requests;
+  }
   core.message_bytes += task.message_bytes;
   core.tasks.push_back(std::move(task));
   // While a handler runs, only a thread that watches it is needed, and that one needs no further call.
@@ -210,6 +219,7 @@ void Dispatcher::Stop(std::chrono::milliseconds deadline) {
     core_->Wake();
     forgotten.swap(core_->tasks);
     core_->message_bytes = 0;
+    core_->requests = {};
     const auto all_ended = [this] {
       for (const std::thread& thread : core_->threads) {
         if (thread.get_id() != std::this_thread::get_id() && core_->finished.count(thread.get_id()) == 0) return false;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 
@@ -21,6 +22,7 @@ class Dispatcher {
     std::shared_ptr<vsomeip_v3::message> message;
     std::function<void()> function;
     std::size_t message_bytes = 0;
+    std::uint32_t requester = 0;  // the address that a request came from
   };
   // Called when there is something to receive, and not again before WatchAgain(): one thread receives at a time.
   using Receiver = std::function<void()>;
@@ -30,6 +32,9 @@ class Dispatcher {
   static constexpr std::size_t kMaxMessages = 8192;             // waiting
   static constexpr std::size_t kMaxMessageBytes = 128U << 20U;  // in them
   static constexpr std::size_t kMaxTasks = 65536;               // of any kind
+  // Waiting requests of one address, or of those that share its last bits: what an answer costs is up to the handler,
+  // and others wait for it. As many as fit into a socket's buffer without configuration.
+  static constexpr std::size_t kMaxRequestsEach = 512;
 
   explicit Dispatcher(std::shared_ptr<Log> log);
   ~Dispatcher();
@@ -44,7 +49,7 @@ class Dispatcher {
   // to return after Stop(). Throws std::runtime_error if there is no thread to be had.
   void Start(Receiver receiver);
 
-  // False if the queue is full, which it is sooner for messages than for everything else.
+  // False if the queue is full, which it is sooner for requests of one address, and for messages than for all else.
   bool Push(Task task);
 
   // Forgets what waits, and waits for what runs until the deadline, except for a handler that calls this itself.

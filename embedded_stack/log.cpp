@@ -17,6 +17,7 @@ constexpr std::array<const char*, static_cast<std::size_t>(Drop::kCount)> kDropN
     "wrong version",
     "request without a handler",
     "handler queue full",
+    "send queue full",
     "discovery table full",
     "instance offered by a second node",
 };

@@ -62,6 +62,7 @@ enum class Drop : std::size_t {
   kWrongVersion,     // protocol or interface version
   kUnknownMethod,    // a request for which no handler is registered
   kQueueFull,        // handlers do not keep up
+  kSendQueueFull,    // a receiver does not keep up with what is sent to it
   kDiscoveryLimit,   // more offers, peers or subscribers than are kept
   kDuplicateOffer,   // a second node offers an instance that is in use from another
   kCount

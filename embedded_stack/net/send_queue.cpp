@@ -63,11 +63,21 @@ bool SendQueue::Admit(const Target& target, std::size_t payload_size, TimePoint 
 }
 
 bool SendQueue::Push(const Target& target, const MessageHeader& header, SharedBytes payload, std::size_t sent) {
-  const std::size_t size = payload->size() + kHeaderSize;
-  if (size > kMaxBytes - bytes_) return false;
+  const std::size_t size = payload->size() + kJobOverhead;
+  const auto waiting = waiting_.find(target.second.address);
+  const std::size_t before = waiting == waiting_.end() ? 0 : waiting->second;
+  if (before + 2 * size > kMaxBytes - bytes_) return false;
   bytes_ += size;
+  waiting_[target.second.address] = before + size;
   jobs_[target].push_back({header, std::move(payload), sent});
   return true;
+}
+
+void SendQueue::Release(std::uint32_t address, std::size_t size) {
+  bytes_ -= size;
+  const auto waiting = waiting_.find(address);
+  waiting->second -= size;
+  if (waiting->second == 0) waiting_.erase(waiting);
 }
 
 TimePoint SendQueue::Flush(TimePoint now, const Send& send) {
@@ -100,7 +110,7 @@ TimePoint SendQueue::Flush(TimePoint now, const Send& send) {
       ++turn;
       continue;
     }
-    bytes_ -= job.payload->size() + kHeaderSize;
+    Release(target.second.address, job.payload->size() + kJobOverhead);
     turn->second.pop_front();
     turn = turn->second.empty() ? jobs_.erase(turn) : std::next(turn);
   }

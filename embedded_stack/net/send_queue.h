@@ -23,10 +23,14 @@ using SharedBytes = std::shared_ptr<const std::vector<std::uint8_t>>;
 // gets to read. Each receiver has an allowance that is used up by all that goes to it and grows with time alone, such
 // that what arrives within kStall fits into its buffer. A receiver in the range of addresses that only this stack uses
 // has the buffer that the system has granted to us; any other one may have no more than a system grants by default.
-// Targets take turns, the messages of one target keep their order. Not synchronized.
+// Targets take turns, the messages of one target keep their order.
+//
+// What waits for one address is never more than what is still free: a single one gets half of kMaxBytes, and however
+// many there are, there is room for one more. Not synchronized.
 class SendQueue {
  public:
   static constexpr std::size_t kMaxBytes = 256U << 20U;
+  static constexpr std::size_t kJobOverhead = 256;       // that a message which waits is charged beyond its payload
   static constexpr std::size_t kAtOnce = 64U << 10U;     // a payload that an unused allowance has room for
   static constexpr std::size_t kDatagramOverhead = 900;  // that the kernel charges beyond the payload's bytes
   static constexpr std::chrono::milliseconds kStall{15};
@@ -45,7 +49,7 @@ class SendQueue {
   // for the allowance, only for its turn.
   bool Admit(const Target& target, std::size_t payload_size, TimePoint now);
 
-  // False if the queue is full. `sent` bytes have gone out already: a multiple of kSegmentPayload.
+  // False if the queue is full for that address. `sent` bytes have gone out already: a multiple of kSegmentPayload.
   bool Push(const Target& target, const MessageHeader& header, SharedBytes payload, std::size_t sent = 0);
 
   // Sends what may go out now, and returns when there will be more; kNever if nothing waits.
@@ -72,12 +76,14 @@ class SendQueue {
 
   Class& ClassOf(const Target& target);
   static Allowance& AllowanceOf(Class& receivers, const Target& target, TimePoint now);
+  void Release(std::uint32_t address, std::size_t size);
 
   Class own_;
   Class others_{kDefaultReceiveBuffer};
   std::map<Target, std::deque<Job>> jobs_;  // no empty queues
   Target last_served_;
-  std::size_t bytes_ = 0;
+  std::map<std::uint32_t, std::size_t> waiting_;  // bytes for each address in jobs_
+  std::size_t bytes_ = 0;                         // for all of them
 };
 
 }  // namespace vsomeip_v3::embedded

@@ -25,8 +25,9 @@ class Sockets {
   static constexpr port_t kDataPort = 30509;
 
   enum class Channel { kData, kDiscoveryUnicast, kDiscoveryMulticast };
-  // `socket` is the index of the data socket.
-  using Receiver = std::function<void(Channel channel, std::size_t socket, const Endpoint& from, ByteView datagram)>;
+  // `socket` is the index of the data socket. Returns how many messages were in the datagram.
+  using Receiver =
+      std::function<std::size_t(Channel channel, std::size_t socket, const Endpoint& from, ByteView datagram)>;
 
   explicit Sockets(Receiver receiver) : receiver_(std::move(receiver)) {}
   ~Sockets() { Close(); }
@@ -41,7 +42,8 @@ class Sockets {
 
   // Can be read from when there is something to receive. Valid while open.
   int Descriptor() const { return ready_; }
-  // Hands over what is there, in the order in which it came: discovery's acknowledgement before the first value.
+  // Hands over some of what is there, in the order in which it came: discovery's acknowledgement before the first
+  // value. What is left can be received with the next call.
   void Receive();
 
   // Another data socket, at any port if `port` is 0. Throws std::runtime_error.

@@ -14,7 +14,7 @@ import time
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
 from packets import ACKNOWLEDGE, DISCOVERY_PORT, FIND, GROUP, OFFER, SUBSCRIBE, Peer, entry, message  # noqa: E402
 
-SERVICE, INSTANCE, MAJOR, EVENTGROUP, SETTER = 0x4711, 1, 3, 0x21, 0x0011
+SERVICE, INSTANCE, MAJOR, EVENTGROUP, GETTER, SETTER = 0x4711, 1, 3, 0x21, 0x0010, 0x0011
 ETH_P_IP = 0x0800
 LOOPBACK, NETWORK = "127.0.7.1", "10.9.0.1"  # of the provider
 SIZE = 1000  # of the field's value
@@ -100,6 +100,11 @@ def check_subscriptions(program):
         expect("new value", [len(third.data.recv(65536)) for _ in range(3)], [VALUE, VALUE, 16])
         peer.data.settimeout(10)
         expect("new value", len(peer.data.recv(65536)), VALUE)
+        wrong = message(SERVICE << 16 | GETTER, b"", 0, MAJOR + 1)
+        right = message(SERVICE << 16 | GETTER, b"", 0, MAJOR)
+        peer.data.sendto(wrong * 4000 + right, (LOOPBACK, port))
+        expect("one error for 4000 wrong requests, and the value", [len(peer.data.recv(65536)) for _ in range(2)],
+               [16, VALUE])
 
 
 def check_network(program):

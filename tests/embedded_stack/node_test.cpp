@@ -277,7 +277,9 @@ TEST(NodeTest, BlockedHandlerStopsNeitherDiscoveryNorOtherHandlers) {
   release.set_value();
 }
 
-TEST(NodeTest, OneThreadIsLeftToReceiveWhenAsManyHandlersBlockAsMay) {
+TEST(NodeTest, HandlersThatBlockLeaveAThreadToReceiveAndRequestsOfOnePeerLeaveRoomForOthers) {
+  constexpr std::size_t kRunning = 10;
+  constexpr std::size_t kWaiting = 512;  // of one peer
   Record<int> entered;
   std::promise<void> release;
   Provider provider({1});
@@ -288,15 +290,22 @@ TEST(NodeTest, OneThreadIsLeftToReceiveWhenAsManyHandlersBlockAsMay) {
                                      });
   Client client;
   ASSERT_TRUE(client.availability.WaitForLast(true));
-  for (int i = 0; i < 12; ++i) client.Send(0x0050);
-  ASSERT_TRUE(entered.WaitForCount(10));
+  for (std::size_t i = 0; i < kRunning; ++i) client.Send(0x0050);
+  ASSERT_TRUE(entered.WaitForCount(kRunning));
   Client newcomer;
   newcomer.Subscribe();
   EXPECT_TRUE(newcomer.values.WaitForLast({1}));
-  EXPECT_EQ(entered.Items().size(), 10U);
+  for (std::size_t i = 0; i < kWaiting + 100; ++i) {
+    client.Send(0x0050);
+    if (i % 50 == 0) newcomer.Call(kGet, {}, kMajor + 1);  // refused at once: all before it have been received
+  }
+  newcomer.Send(kGet);
+  newcomer.Call(kGet, {}, kMajor + 1);
+  EXPECT_EQ(entered.Items().size(), kRunning);
   release.set_value();
-  EXPECT_TRUE(entered.WaitForCount(12));
+  EXPECT_TRUE(newcomer.replies.WaitFor([](const auto& all) { return all.back().bytes == Bytes{1}; }));
   EXPECT_EQ(newcomer.Call(kGet).bytes, Bytes{1});
+  EXPECT_EQ(entered.Items().size(), kRunning + kWaiting);
 }
 
 TEST(NodeTest, WhatGoesOutAtOnceHasRoomAtAReceiverThatDoesNotRun) {

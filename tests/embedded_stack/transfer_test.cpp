@@ -197,11 +197,31 @@ TEST_F(SendQueueTest, ReceiverThatSleepsHasRoomForAllThatComes) {
   EXPECT_EQ(sent_.size() - before, DatagramCount(2000000)) << "a flood of small ones starves nobody";
 }
 
-TEST_F(SendQueueTest, WhatTheSocketRefusesIsSentLaterAndTheQueueIsBounded) {
+TEST_F(SendQueueTest, WhatWaitsForOneReceiverLeavesRoomForAnother) {
   const auto huge = std::make_shared<const Bytes>(kMaxPayload);
-  std::size_t accepted = 0;
-  while (accepted < 1000 && queue_.Push(two_, Header(), huge)) ++accepted;
-  EXPECT_EQ(accepted, SendQueue::kMaxBytes / (kMaxPayload + kHeaderSize));
+  const std::size_t each = kMaxPayload + SendQueue::kJobOverhead;
+  const auto fill = [this](const SendQueue::Target& target, const SharedBytes& payload) {
+    std::size_t accepted = 0;
+    while (accepted < SendQueue::kMaxBytes && queue_.Push(target, Header(), payload)) ++accepted;
+    return accepted;
+  };
+  room_ = 0;
+  ASSERT_EQ(fill(two_, huge), SendQueue::kMaxBytes / 2 / each) << "half of it";
+  EXPECT_EQ(fill({1, {2, 99}}, huge), 0U) << "the same receiver";
+  EXPECT_EQ(fill(one_, huge), (SendQueue::kMaxBytes - 7 * each) / 2 / each) << "half of the rest";
+  for (std::uint32_t address = 3; address < 1000; ++address) fill({0, {address, 1}}, huge);
+  const SendQueue::Target small{0, {1000, 1}};
+  const auto nothing = std::make_shared<const Bytes>();
+  const std::size_t many = fill(small, nothing);
+  EXPECT_GT(many, 0U) << "whoever has nothing waiting";
+  EXPECT_LT(many, SendQueue::kMaxBytes / 2 / 100) << "what is small takes memory, too";
+  room_ = SIZE_MAX;
+  for (TimePoint next = now_; next != kNever; next = Flush()) now_ = next;
+  EXPECT_EQ(fill(two_, huge), SendQueue::kMaxBytes / 2 / each) << "as in the beginning";
+}
+
+TEST_F(SendQueueTest, WhatTheSocketRefusesIsSentLater) {
+  Push(two_, kMaxPayload);
   room_ = 5;
   EXPECT_EQ(Flush(), now_ + SendQueue::kRetry);
   EXPECT_EQ(Flush(), now_ + SendQueue::kRetry);

@@ -16,7 +16,7 @@ PROVIDER, CLIENT = "127.78.0.1", "127.78.0.2"
 OWN = entry(OFFER, SERVICE, 1, MAJOR, last=3)
 SUBSCRIPTION = entry(SUBSCRIBE, SERVICE, 1, MAJOR, FOREVER, EVENTGROUP)
 STOP = entry(SUBSCRIBE, SERVICE, 1, MAJOR, 0, EVENTGROUP)
-REASONS = 13  # that the stack tells apart
+REASONS = 14  # that the stack tells apart
 
 
 class Pair:
@@ -174,5 +174,51 @@ def open_flood(seconds):
             f"KiB; {lines} log lines")
 
 
-ATTACKS = {"false-offer": false_offer, "hoarder": hoarder, "many-peers": many_peers, "redirect": redirect,
+def greedy(seconds):
+    """Getters of a large value from one address, as fast as they can be sent, by somebody who does not read."""
+    requests = message(SERVICE << 16 | GETTER, b"", 0, MAJOR) * 80
+    with Pair() as pair, Peer("127.66.0.6") as peer:
+        pair.serve(more_records=25000)
+        memory, lines, most, asked = pair.provider.memory(), Process.log_lines(), 0, 0
+        end = time.monotonic() + seconds
+        while time.monotonic() < end:
+            for _ in range(100):
+                peer.data.sendto(requests, (PROVIDER, DATA_PORT))
+                asked += 80
+            most = max(most, pair.provider.memory() - memory)
+        late = pair.serve()
+        lines = Process.log_lines() - lines
+        _, values, errors, given_up = pair.client.getters()
+    require(late < 2, f"served again after {late:.1f} s")
+    require(most <= 200 << 10, f"the provider grew by {most} KiB")
+    require(lines <= 2 * REASONS * (seconds + 2), f"{lines} log lines")
+    return (f"{asked} getters of 100 kB; of the client's {values} got a value, {errors} an error, {given_up} were lost; served "
+            f"{late:.2f} s after the end; provider {most:+} KiB at most; {lines} log lines")
+
+
+def bad_requests(seconds):
+    """As many wrong requests as a datagram holds, as fast as they can be sent."""
+    requests = message(SERVICE << 16 | GETTER, b"", 0, MAJOR + 1) * 4090
+    with Pair() as pair, Peer("127.66.0.7") as peer:
+        errors = sent = 0
+        memory, lines = pair.provider.memory(), Process.log_lines()
+        end = time.monotonic() + seconds
+        while time.monotonic() < end:
+            peer.data.sendto(requests, (PROVIDER, DATA_PORT))
+            sent += 1
+            errors += len(peer.waiting())
+        late = pair.serve()
+        errors += len(peer.waiting())
+        growth, lines = pair.provider.memory() - memory, Process.log_lines() - lines
+        _, values, _, given_up = pair.client.getters()
+    require(0 < errors <= sent, f"{errors} errors for {sent} datagrams")
+    require(late < 2, f"served again after {late:.1f} s")
+    require(growth <= MEMORY, f"the provider grew by {growth} KiB")
+    require(lines <= 2 * REASONS * (seconds + 2), f"{lines} log lines")
+    return (f"{sent} datagrams with 4090 wrong requests each, {sent / seconds:.0f} a second, {errors} errors; {values} of the "
+            f"client's getters got a value, {given_up} were lost; served {late:.2f} s after the end; provider {growth:+} KiB; "
+            f"{lines} log lines")
+
+
+ATTACKS = {"greedy": greedy, "bad-requests": bad_requests, "false-offer": false_offer, "hoarder": hoarder, "many-peers": many_peers, "redirect": redirect,
            "withdrawn": withdrawn, "open-flood": open_flood}
