@@ -77,6 +77,9 @@ class Map {
     return {returned, SecondsSince(begin)};
   }
 
+  unsigned turnOfOurs = 0;
+  unsigned turnOfBare = 0;
+
  private:
   static vsomeip::application& Application() { return *VSomeIPConnection::instance_.Application(); }
 
@@ -92,15 +95,13 @@ enum class Way { kCopied, kMoved };
 enum class End { kReturned, kArrived };
 
 void Measure(benchmark::State& state, Map& map, std::size_t links, Way way, End end) {
-  // Two values in turns: a stack does not notify a field's value that has not changed.
+  // Two values in turns, over all benchmarks: a stack does not notify a field's value that has not changed.
   LinkLayer layers[] = {benchmarks::BuildLayer(links), benchmarks::BuildLayer(links)};
   layers[1][0].member0->fill(0x22);
   std::vector<ByteVector> bytes(2);
   for (const int i : {0, 1}) {
     SequenceContainerSerializer<LinkLayer>(layers[i]).pushbackTo(bytes[i]);
   }
-  unsigned turnOfOurs = 0;
-  unsigned turnOfBare = 0;
   const auto timed = [&map, end](auto send) {
     const auto [returned, arrived] = map.Time(send);
     return end == End::kReturned ? returned : arrived;
@@ -108,7 +109,7 @@ void Measure(benchmark::State& state, Map& map, std::size_t links, Way way, End 
   benchmarks::CompareTimes(
       state,
       [&] {
-        const LinkLayer& layer = layers[++turnOfOurs % 2];
+        const LinkLayer& layer = layers[++map.turnOfOurs % 2];
         if (way == Way::kCopied) {
           return timed([&] { map.Update(layer); });
         }
@@ -116,7 +117,7 @@ void Measure(benchmark::State& state, Map& map, std::size_t links, Way way, End 
         return timed([&] { map.Update(std::move(own)); });
       },
       [&] {
-        const ByteVector& next = bytes[++turnOfBare % 2];
+        const ByteVector& next = bytes[++map.turnOfBare % 2];
         return timed([&] { map.Notify(vsomeip::runtime::get()->create_payload(next)); });
       });
   state.counters["bytes"] = static_cast<double>(bytes[0].size());
