@@ -335,8 +335,12 @@ void ApplicationImpl::SendResponse(const std::shared_ptr<message>& message) {
     log_->Error("a response needs create_response(): message of ", Hex(response.get_service()), " dropped");
     return;
   }
-  Transmit({response.origin()->socket, response.origin()->peer}, response.header(), response.bytes(),
-           [&] { return Keep(message); });
+  const Origin& origin = *response.origin();
+  if (Transmit({origin.socket, origin.peer}, response.header(), response.bytes(), [&] { return Keep(message); }))
+    return;
+  // For more answers there is no room either, so none is made.
+  const std::size_t dropped = dispatcher_->DropRequests(origin.peer.address);
+  drops_.Count(Drop::kSendQueueFull, "requests of " + AddressText(origin.peer.address), Clock::now(), dropped);
 }
 
 }  // namespace vsomeip_v3::embedded

@@ -115,8 +115,8 @@ class ApplicationImpl final : public application, public std::enable_shared_from
   void Deliver(const Origin& origin, const MessageHeader& header, instance_t instance,
                std::vector<std::uint8_t> payload);
   void SendError(const Origin& origin, const MessageHeader& request, return_code_e code);
-  // `keep` is asked for the payload's bytes if they cannot go out at once.
-  void Transmit(const SendQueue::Target& target, const MessageHeader& header, ByteView payload,
+  // `keep` is asked for the payload's bytes if they cannot go out at once. False if the message was dropped.
+  bool Transmit(const SendQueue::Target& target, const MessageHeader& header, ByteView payload,
                 const std::function<SharedBytes()>& keep);
   void Flush(TimePoint now);
 

@@ -210,7 +210,7 @@ void ApplicationImpl::SendError(const Origin& origin, const MessageHeader& reque
   Transmit({origin.socket, origin.peer}, error, {}, [] { return std::make_shared<const std::vector<std::uint8_t>>(); });
 }
 
-void ApplicationImpl::Transmit(const SendQueue::Target& target, const MessageHeader& header, ByteView payload,
+bool ApplicationImpl::Transmit(const SendQueue::Target& target, const MessageHeader& header, ByteView payload,
                                const std::function<SharedBytes()>& keep) {
   const TimePoint now = Clock::now();
   std::size_t sent = 0;
@@ -219,14 +219,16 @@ void ApplicationImpl::Transmit(const SendQueue::Target& target, const MessageHea
     const std::size_t taken = sockets_.Send(target.first, target.second, datagrams);
     sent += datagrams.PayloadSize(taken);
     more = taken == datagrams.Count();
-    if (more && sent == payload.size()) return;
+    if (more && sent == payload.size()) return true;
   }
   if (!queue_->Push(target, header, keep(), sent)) {
-    return drops_.Count(Drop::kSendQueueFull, Hex(header.service) + " to " + NameOf(target.second), now);
+    drops_.Count(Drop::kSendQueueFull, Hex(header.service) + " to " + NameOf(target.second), now);
+    return false;
   }
   const TimePoint planned = next_flush_;
   Flush(now);
   if (next_flush_ < planned) Wake();
+  return true;
 }
 
 void ApplicationImpl::Flush(TimePoint now) {
@@ -281,7 +283,7 @@ TimePoint ApplicationImpl::Tick() {
     SendNotification(due.key, due.id, offers_->Subscribers(due.key, event->eventgroups, now));
   }
   const std::size_t expired = reassembler_.Expire(now);
-  for (std::size_t i = 0; i < expired; ++i) drops_.Count(Drop::kReassemblyLimit, "time", now);
+  drops_.Count(Drop::kReassemblyLimit, "time", now, expired);
   if (now >= next_flush_) Flush(now);
   TimePoint next = std::min({offers_->NextDeadline(), requests_->NextDeadline(), offered_events_.NextDeadline()});
   next = std::min(next, next_flush_);

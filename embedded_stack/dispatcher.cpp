@@ -73,7 +73,7 @@ thread_local const void* receiving_for = nullptr;
 
 void Call(Dispatcher::Task& task) {
   if (task.function) return task.function();
-  if (*task.handler->registered) task.handler->call(task.message);
+  if (*task.handler->registered && task.message) task.handler->call(task.message);
 }
 
 }  // namespace
@@ -197,7 +197,7 @@ bool Dispatcher::Push(Task task) {
   if (task.message_bytes > kMaxMessageBytes - core.message_bytes) return false;
   if (task.requester != 0) {
     std::size_t& requests = core.RequestsOf(task.requester);
-    if (requests >= kMaxRequestsEach) return false;
+    if (requests >= kMaxMessages - core.tasks.size()) return false;
     ++requests;
   }
   core.message_bytes += task.message_bytes;
@@ -206,6 +206,19 @@ bool Dispatcher::Push(Task task) {
   const bool needs_thread = core.leader == std::thread::id{} || !core.is_watched;
   if (needs_thread && receiving_for != &core) core.Wake();
   return true;
+}
+
+// Their turn comes all the same, because what they hold may call back, and not under the lock.
+std::size_t Dispatcher::DropRequests(std::uint32_t requester) {
+  const std::lock_guard<std::mutex> lock(core_->mutex);
+  std::size_t count = 0;
+  for (Task& task : core_->tasks) {
+    if (task.requester != requester || !task.message) continue;
+    core_->message_bytes -= std::exchange(task.message_bytes, 0);
+    task.message.reset();
+    ++count;
+  }
+  return count;
 }
 
 void Dispatcher::Stop(std::chrono::milliseconds deadline) {

@@ -32,9 +32,6 @@ class Dispatcher {
   static constexpr std::size_t kMaxMessages = 8192;             // waiting
   static constexpr std::size_t kMaxMessageBytes = 128U << 20U;  // in them
   static constexpr std::size_t kMaxTasks = 65536;               // of any kind
-  // Waiting requests of one address, or of those that share its last bits: what an answer costs is up to the handler,
-  // and others wait for it. As many as fit into a socket's buffer without configuration.
-  static constexpr std::size_t kMaxRequestsEach = 512;
 
   explicit Dispatcher(std::shared_ptr<Log> log);
   ~Dispatcher();
@@ -49,8 +46,12 @@ class Dispatcher {
   // to return after Stop(). Throws std::runtime_error if there is no thread to be had.
   void Start(Receiver receiver);
 
-  // False if the queue is full, which it is sooner for requests of one address, and for messages than for all else.
+  // False if the queue is full, which it is sooner for messages than for all else. The requests of one address, or of
+  // those that share its last bits, are never more than the messages that there is still room for.
   bool Push(Task task);
+
+  // Forgets the requests of an address that wait, and returns how many they were.
+  std::size_t DropRequests(std::uint32_t requester);
 
   // Forgets what waits, and waits for what runs until the deadline, except for a handler that calls this itself.
   void Stop(std::chrono::milliseconds deadline);

@@ -48,15 +48,15 @@ std::string Hex(std::uint16_t value) {
   return text.data();
 }
 
-void DropCounter::Count(Drop reason, const std::string& detail, TimePoint now) {
+void DropCounter::Count(Drop reason, const std::string& detail, TimePoint now, std::uint64_t count) {
   Reason& entry = reasons_[static_cast<std::size_t>(reason)];
-  ++entry.total;
-  if (now < entry.next_report) return;
+  entry.total += count;
+  if (count == 0 || now < entry.next_report) return;
   const char* const name = kDropNames[static_cast<std::size_t>(reason)];
-  const auto count = entry.total - entry.reported;
+  const auto unreported = entry.total - entry.reported;
   // What is on its way while a subscription or a service ends is no reason to worry.
   const LogLevel level = reason == Drop::kNobodyAsked ? LogLevel::kInfo : LogLevel::kWarning;
-  log_.Write(level, "dropped: ", name, " (", detail, "), ", count, " since the last report");
+  log_.Write(level, "dropped: ", name, " (", detail, "), ", unreported, " since the last report");
   entry.reported = entry.total;
   entry.next_report = now + kReportInterval;
 }

@@ -75,7 +75,7 @@ class DropCounter {
   using TimePoint = std::chrono::steady_clock::time_point;
 
   explicit DropCounter(Log& log) : log_(log) {}
-  void Count(Drop reason, const std::string& detail, TimePoint now);
+  void Count(Drop reason, const std::string& detail, TimePoint now, std::uint64_t count = 1);
   std::uint64_t Total(Drop reason) const { return reasons_[static_cast<std::size_t>(reason)].total; }
 
  private:

@@ -1,8 +1,15 @@
 #include "embedded_stack/handlers.h"
 
+#include <future>
+#include <map>
+#include <memory>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 #include "embedded_stack/dispatcher.h"
+#include "embedded_stack/message_impl.h"
 
 namespace vsomeip_v3::embedded {
 namespace {
@@ -37,6 +44,41 @@ TEST(Dispatcher, WhatWaitsIsLimited) {
   Dispatcher other(std::make_shared<Log>("other"));
   EXPECT_TRUE(other.Push({nullptr, nullptr, [] {}, Dispatcher::kMaxMessageBytes}));
   EXPECT_FALSE(other.Push({nullptr, nullptr, [] {}, 1}));
+}
+
+TEST(Dispatcher, RequestsOfOnePeerLeaveRoomForOthersAndCanBeForgotten) {
+  constexpr std::uint32_t kPeer = 0x7F000001;
+  constexpr std::uint32_t kNeighbour = kPeer + 64;  // is counted together with it
+  constexpr std::uint32_t kOther = kPeer + 1;
+  constexpr std::size_t kAll = Dispatcher::kMaxMessages;
+  std::map<client_t, std::size_t> called;
+  std::promise<void> done;
+  Handlers handlers;
+  handlers.SetMessage({1, 2, 3}, [&called](const auto& request) { ++called[request->get_client()]; });
+  const int descriptor = eventfd(0, 0);
+  {
+    Dispatcher dispatcher(std::make_shared<Log>("dispatcher"));
+    dispatcher.Open(descriptor);
+    const auto fill = [&](std::uint32_t requester) {
+      std::size_t count = 0;
+      const auto request = std::make_shared<MessageImpl>();
+      request->set_client(static_cast<client_t>(requester));
+      while (count <= kAll && dispatcher.Push({handlers.FindMessage(1, 2, 3), request, nullptr, 1, requester})) ++count;
+      return count;
+    };
+    EXPECT_EQ(fill(kPeer), kAll / 2);
+    EXPECT_EQ(fill(kNeighbour), 0U);
+    EXPECT_EQ(fill(kOther), kAll / 4);
+    EXPECT_EQ(dispatcher.DropRequests(kPeer), kAll / 2);
+    EXPECT_EQ(dispatcher.DropRequests(kPeer), 0U);
+    dispatcher.Push({nullptr, nullptr, [&done] { done.set_value(); }});
+    dispatcher.Start([] {});
+    done.get_future().wait();
+    EXPECT_EQ(called[static_cast<client_t>(kPeer)], 0U);
+    EXPECT_EQ(called[static_cast<client_t>(kOther)], kAll / 4);
+    EXPECT_GE(fill(kNeighbour), kAll / 2) << "as in the beginning";
+  }
+  close(descriptor);
 }
 
 }  // namespace
