@@ -338,8 +338,8 @@ void ApplicationImpl::SendResponse(const std::shared_ptr<message>& message) {
   const Origin& origin = *response.origin();
   if (Transmit({origin.socket, origin.peer}, response.header(), response.bytes(), [&] { return Keep(message); }))
     return;
-  // For more answers there is no room either, so none is made.
-  const std::size_t dropped = dispatcher_->DropRequests(origin.peer.address);
+  // For more answers like this one there is no room either, so none is made.
+  const std::size_t dropped = dispatcher_->DropRequests(origin.peer.address, response.get_message());
   drops_.Count(Drop::kSendQueueFull, "requests of " + AddressText(origin.peer.address), Clock::now(), dropped);
 }
 

@@ -19,6 +19,8 @@
 #include <utility>
 #include <vector>
 
+#include "vsomeip/message.hpp"
+
 namespace vsomeip_v3::embedded {
 
 using Clock = std::chrono::steady_clock;
@@ -209,11 +211,11 @@ bool Dispatcher::Push(Task task) {
 }
 
 // Their turn comes all the same, because what they hold may call back, and not under the lock.
-std::size_t Dispatcher::DropRequests(std::uint32_t requester) {
+std::size_t Dispatcher::DropRequests(std::uint32_t requester, message_t method) {
   const std::lock_guard<std::mutex> lock(core_->mutex);
   std::size_t count = 0;
   for (Task& task : core_->tasks) {
-    if (task.requester != requester || !task.message) continue;
+    if (task.requester != requester || !task.message || task.message->get_message() != method) continue;
     core_->message_bytes -= std::exchange(task.message_bytes, 0);
     task.message.reset();
     ++count;

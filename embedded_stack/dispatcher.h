@@ -50,8 +50,8 @@ class Dispatcher {
   // those that share its last bits, are never more than the messages that there is still room for.
   bool Push(Task task);
 
-  // Forgets the requests of an address that wait, and returns how many they were.
-  std::size_t DropRequests(std::uint32_t requester);
+  // Forgets the requests of a method that wait, of one address, and returns how many they were.
+  std::size_t DropRequests(std::uint32_t requester, message_t method);
 
   // Forgets what waits, and waits for what runs until the deadline, except for a handler that calls this itself.
   void Stop(std::chrono::milliseconds deadline);

@@ -50,6 +50,7 @@ TEST(Dispatcher, RequestsOfOnePeerLeaveRoomForOthersAndCanBeForgotten) {
   constexpr std::uint32_t kPeer = 0x7F000001;
   constexpr std::uint32_t kNeighbour = kPeer + 64;  // is counted together with it
   constexpr std::uint32_t kOther = kPeer + 1;
+  constexpr message_t kMethod = 0x00010003;
   constexpr std::size_t kAll = Dispatcher::kMaxMessages;
   std::map<client_t, std::size_t> called;
   std::promise<void> done;
@@ -62,6 +63,7 @@ TEST(Dispatcher, RequestsOfOnePeerLeaveRoomForOthersAndCanBeForgotten) {
     const auto fill = [&](std::uint32_t requester) {
       std::size_t count = 0;
       const auto request = std::make_shared<MessageImpl>();
+      request->set_message(kMethod);
       request->set_client(static_cast<client_t>(requester));
       while (count <= kAll && dispatcher.Push({handlers.FindMessage(1, 2, 3), request, nullptr, 1, requester})) ++count;
       return count;
@@ -69,8 +71,9 @@ TEST(Dispatcher, RequestsOfOnePeerLeaveRoomForOthersAndCanBeForgotten) {
     EXPECT_EQ(fill(kPeer), kAll / 2);
     EXPECT_EQ(fill(kNeighbour), 0U);
     EXPECT_EQ(fill(kOther), kAll / 4);
-    EXPECT_EQ(dispatcher.DropRequests(kPeer), kAll / 2);
-    EXPECT_EQ(dispatcher.DropRequests(kPeer), 0U);
+    EXPECT_EQ(dispatcher.DropRequests(kPeer, kMethod + 1), 0U);
+    EXPECT_EQ(dispatcher.DropRequests(kPeer, kMethod), kAll / 2);
+    EXPECT_EQ(dispatcher.DropRequests(kPeer, kMethod), 0U);
     dispatcher.Push({nullptr, nullptr, [&done] { done.set_value(); }});
     dispatcher.Start([] {});
     done.get_future().wait();
