@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::uint32_t kOwnNetwork = 0x7F4D0000;  // 127.77.0.0/16
 constexpr std::uint32_t kOwnHosts = 0xFFFE;        // all but the first and the last
-constexpr int kReceiveBuffer = 4 << 20;            // the kernel gives what it may
+constexpr int kBuffer = 4 << 20;                   // of each direction; the kernel gives what it may
 constexpr std::size_t kMessagesPerTurn = 256;      // from one socket; then others have their turn
 
 [[noreturn]] void Fail(const std::string& what) { throw std::runtime_error(what + ": " + std::strerror(errno)); }
@@ -129,7 +129,9 @@ Sockets::PortPointer Sockets::Bind(Channel channel, std::uint32_t address, port_
   if (result->socket < 0) Fail("cannot open a socket");
   const int yes = 1;
   if (shared) setsockopt(result->socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-  setsockopt(result->socket, SOL_SOCKET, SO_RCVBUF, &kReceiveBuffer, sizeof kReceiveBuffer);
+  setsockopt(result->socket, SOL_SOCKET, SO_RCVBUF, &kBuffer, sizeof kBuffer);
+  // More than the kernel keeps for a host that does not answer: who sends to one can still send to others.
+  setsockopt(result->socket, SOL_SOCKET, SO_SNDBUF, &kBuffer, sizeof kBuffer);
   // Datagrams that were sent together are to stay so until we read them. Old kernels cannot.
   if (channel == Channel::kData) setsockopt(result->socket, IPPROTO_UDP, UDP_GRO, &yes, sizeof yes);
   const PeerName name({address, port});

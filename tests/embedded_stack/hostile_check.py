@@ -43,11 +43,11 @@ def expect_exclusive():
 
 
 class Provider:
-    def __init__(self, program, **configuration):
+    def __init__(self, program, size=SIZE, **configuration):
         with tempfile.NamedTemporaryFile("w", suffix=".json", encoding="ascii") as file:
             json.dump(configuration, file)
             file.flush()
-            self._process = subprocess.Popen([program, str(INSTANCE), "1", str(SIZE)], stdin=subprocess.PIPE,
+            self._process = subprocess.Popen([program, str(INSTANCE), "1", str(size)], stdin=subprocess.PIPE,
                                              env={**os.environ, "VSOMEIP_CONFIGURATION": file.name})
             deadline = time.monotonic() + 10
             while not self._is_there(configuration["unicast"]) and time.monotonic() < deadline:
@@ -136,11 +136,48 @@ def check_network(program):
             expect_exclusive()
 
 
+def ip(command):
+    subprocess.run(["ip", *command.split()], check=True)
+
+
+def check_silent_hosts(program):
+    """What the kernel keeps for hosts that do not answer holds up nobody else, as long as the sender's buffer is larger."""
+    size, kept_for_each = 200000, 212992
+    with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as udp:
+        udp.setsockopt(socket.SOL_SOCKET, socket.SO_SNDBUF, 4 << 20)
+        room = udp.getsockopt(socket.SOL_SOCKET, socket.SO_SNDBUF) // kept_for_each
+    silent = [f"10.9.0.{50 + i}" for i in range(min(3, room - 1))]
+    with Provider(program, size, unicast=NETWORK), Peer("10.9.0.2") as near:
+        for address in silent:
+            ip(f"address add {address}/32 dev lo")
+        for address in silent:
+            with Peer(address) as peer:
+                _, port = found(peer, NETWORK)
+                for ttl in (3, 0, 3):  # the value goes out now, and once more in 500 ms
+                    peer.say(NETWORK, subscription(ttl))
+                peer.discovery.settimeout(10)
+                for _ in range(2):
+                    expect("acknowledge", peer.answer(ACKNOWLEDGE)[0], 3)
+        for address in silent:
+            ip(f"address del {address}/32 dev lo")
+        near.data.settimeout(20)
+        start, slowest = time.monotonic(), 0
+        while time.monotonic() < start + 1.5:
+            asked = time.monotonic()
+            near.data.sendto(message(SERVICE << 16 | GETTER, b"", 0, MAJOR), (NETWORK, port))
+            left = size
+            while left > 0:
+                left -= len(near.data.recv(65536)) - 20  # headers of the message and of the segment
+            slowest = max(slowest, time.monotonic() - asked)
+    if slowest > 1:
+        sys.exit(f"a getter took {slowest:.1f} s beside hosts that do not answer")
+
+
 def main():
     for command in ("link add out type veth peer name sniffed", "address add 10.9.0.1/24 dev out",
                     "address add 10.9.0.2/32 dev lo", "address add 10.8.0.2/32 dev lo", "link set out up",
                     "link set sniffed up", "route add default dev out"):
-        subprocess.run(["ip", *command.split()], check=True)
+        ip(command)
     with socket.socket(socket.AF_PACKET, socket.SOCK_RAW, socket.htons(ETH_P_IP)) as sniffer:
         sniffer.bind(("sniffed", ETH_P_IP))
         sniffer.setblocking(False)
@@ -150,6 +187,7 @@ def main():
         except BlockingIOError:
             pass
         check_network(sys.argv[1])
+        check_silent_hosts(sys.argv[1])
         sniffer.settimeout(10)
         while sniffer.recv(65536)[30:34] != socket.inet_aton(GROUP):  # the kernel says that it joins the group
             pass
