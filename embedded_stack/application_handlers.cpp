@@ -34,6 +34,8 @@ bool ApplicationImpl::PushStatus(const ServiceInstance& key, eventgroup_t eventg
 
 void ApplicationImpl::TellStatus(const DiscoveryOutput::SubscriptionStatus& status) {
   const ServiceInstance key{status.service, status.instance};
+  if (status.accepted && !requests_->IsAccepted(key, status.eventgroup))
+    return;  // the service went in the same message
   bool is_told = true;
   for (const event_t event : used_events_.SetStatus(key, status.eventgroup, status.accepted)) {
     is_told &= PushStatus(key, status.eventgroup, event, status.accepted);

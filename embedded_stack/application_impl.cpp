@@ -12,6 +12,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kHandlerDeadline{700};  // to return after stop(); leaves time for the rest
 constexpr std::chrono::milliseconds kStartDeadline{200};    // for start() to return
+constexpr std::chrono::milliseconds kRetryTick{100};        // after one without memory
 
 std::string NameOf(service_t service, instance_t instance) { return Hex(service) + "." + Hex(instance); }
 
@@ -123,7 +124,12 @@ void ApplicationImpl::Serve(Lock& lock) {
   });
   while (state_ == State::kRunning) {
     is_woken_ = false;
-    const TimePoint next = Tick();
+    TimePoint next = Clock::now() + kRetryTick;
+    try {
+      next = Tick();
+    } catch (const std::exception& error) {  // no memory: discovery repeats itself
+      log_->Error("the time's work was cut short: ", error.what());
+    }
     woken_.wait_until(lock, next, [this] { return is_woken_ || state_ != State::kRunning; });
   }
 }

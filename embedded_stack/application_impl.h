@@ -101,8 +101,9 @@ class ApplicationImpl final : public application, public std::enable_shared_from
 
   // application_network.cpp: what comes from the network, and what goes there.
   void OnReadable();  // takes the lock
-  // Returns how many messages were in it.
-  std::size_t OnDatagram(Sockets::Channel channel, std::size_t socket, const Endpoint& from, ByteView datagram);
+  // Returns how many messages were in it. A datagram for which there is no memory is lost, as datagrams are.
+  std::size_t OnDatagram(Sockets::Channel channel, std::size_t socket, const Endpoint& from,
+                         ByteView datagram) noexcept;
   void OnDiscovery(bool multicast, const Endpoint& from, ByteView datagram);
   void WarnOfRival(const DiscoveryEntry& offer, std::uint32_t from);
   void OnDiscoveryEntry(DiscoveryEntry entry, std::uint32_t from, bool multicast, DiscoveryOutput& out);

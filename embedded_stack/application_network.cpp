@@ -20,18 +20,18 @@ std::string NameOf(const Endpoint& endpoint) {
 void ApplicationImpl::OnReadable() {
   const Lock lock(mutex_);
   if (state_ != State::kRunning) return;
-  try {
-    sockets_.Receive();
-  } catch (const std::exception& error) {  // no memory: what came is lost, what comes is not
-    log_->Error("cannot receive: ", error.what());
-  }
+  sockets_.Receive();
   dispatcher_->WatchAgain(sockets_.Descriptor());
 }
 
 std::size_t ApplicationImpl::OnDatagram(Sockets::Channel channel, std::size_t socket, const Endpoint& from,
-                                        ByteView datagram) {
-  if (channel == Sockets::Channel::kData) return OnData(socket, from, datagram);
-  OnDiscovery(channel == Sockets::Channel::kDiscoveryMulticast, from, datagram);
+                                        ByteView datagram) noexcept {
+  try {
+    if (channel == Sockets::Channel::kData) return OnData(socket, from, datagram);
+    OnDiscovery(channel == Sockets::Channel::kDiscoveryMulticast, from, datagram);
+  } catch (const std::exception&) {
+    drops_.Count(Drop::kNoMemory, {}, Clock::now());
+  }
   return 1;
 }
 

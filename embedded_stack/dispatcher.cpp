@@ -1,21 +1,21 @@
 #include "embedded_stack/dispatcher.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <condition_variable>
 #include <cstring>
 #include <deque>
 #include <exception>
+#include <iterator>
 #include <mutex>
 #include <set>
 #include <stdexcept>
 #include <string>
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
-#include <system_error>
 #include <thread>
 #include <unistd.h>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -45,7 +45,7 @@ struct Dispatcher::Core : std::enable_shared_from_this<Core> {
   void Await(std::unique_lock<std::mutex>& lock);
   void Wake() const;
   bool AddThread();
-  std::size_t& RequestsOf(std::uint32_t address) { return requests[address % requests.size()]; }
+  std::size_t& RequestsOf(std::uint32_t address);
 
   const std::shared_ptr<Log> log;
   int poll = -1;      // set by Open()
@@ -55,7 +55,7 @@ struct Dispatcher::Core : std::enable_shared_from_this<Core> {
   std::condition_variable finished_changed;
   std::deque<Task> tasks;
   std::size_t message_bytes = 0;
-  std::array<std::size_t, 64> requests{};  // that wait, of the addresses with the same last bits
+  std::unordered_map<std::uint32_t, std::size_t> requests;  // that wait, by address; those without go now and then
   std::vector<std::thread> threads;
   std::set<std::thread::id> finished;
   std::thread::id leader;  // none: nobody leads
@@ -93,11 +93,21 @@ void Dispatcher::Core::Wake() const {
   if (wake >= 0 && write(wake, &one, sizeof one) < 0) log->Error("cannot wake a thread: ", std::strerror(errno));
 }
 
+std::size_t& Dispatcher::Core::RequestsOf(std::uint32_t address) {
+  constexpr std::size_t kMany = 64;
+  if (requests.size() >= kMany + tasks.size() && requests.count(address) == 0) {
+    for (auto each = requests.begin(); each != requests.end();) {
+      each = each->second > 0 ? std::next(each) : requests.erase(each);
+    }
+  }
+  return requests[address];
+}
+
 // Without another one, the only thread runs the handler itself and receives again after that.
 bool Dispatcher::Core::AddThread() {
   try {
     threads.emplace_back([self = shared_from_this()] { self->Run(); });
-  } catch (const std::system_error& error) {
+  } catch (const std::exception& error) {  // of the system, or no memory
     if (!std::exchange(is_short_of_threads, true)) log->Error("cannot start a thread: ", error.what());
     return false;
   }
@@ -197,13 +207,13 @@ bool Dispatcher::Push(Task task) {
   const std::lock_guard<std::mutex> lock(core.mutex);
   if (core.tasks.size() >= (task.message_bytes > 0 ? kMaxMessages : kMaxTasks)) return false;
   if (task.message_bytes > kMaxMessageBytes - core.message_bytes) return false;
-  if (task.requester != 0) {
-    std::size_t& requests = core.RequestsOf(task.requester);
-    if (requests >= kMaxMessages - core.tasks.size()) return false;
-    ++requests;
-  }
-  core.message_bytes += task.message_bytes;
+  std::size_t uncounted = 0;
+  std::size_t& requests = task.requester != 0 ? core.RequestsOf(task.requester) : uncounted;
+  if (task.requester != 0 && requests >= kMaxMessages - core.tasks.size()) return false;
+  const std::size_t bytes = task.message_bytes;
   core.tasks.push_back(std::move(task));
+  core.message_bytes += bytes;
+  ++requests;
   // While a handler runs, only a thread that watches it is needed, and that one needs no further call.
   const bool needs_thread = core.leader == std::thread::id{} || !core.is_watched;
   if (needs_thread && receiving_for != &core) core.Wake();

@@ -46,8 +46,8 @@ class Dispatcher {
   // to return after Stop(). Throws std::runtime_error if there is no thread to be had.
   void Start(Receiver receiver);
 
-  // False if the queue is full, which it is sooner for messages than for all else. The requests of one address, or of
-  // those that share its last bits, are never more than the messages that there is still room for.
+  // False if the queue is full, which it is sooner for messages than for all else. The requests of one address are
+  // never more than the messages that there is still room for.
   bool Push(Task task);
 
   // Forgets the requests of a method that wait, of one address, and returns how many they were.

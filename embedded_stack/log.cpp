@@ -19,6 +19,7 @@ constexpr std::array<const char*, static_cast<std::size_t>(Drop::kCount)> kDropN
     "handler queue full",
     "send queue full",
     "discovery table full",
+    "no memory for a datagram",
     "instance offered by a second node",
 };
 constexpr std::chrono::seconds kReportInterval{1};

@@ -3,6 +3,7 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
+#include <exception>
 #include <mutex>
 #include <sstream>
 #include <string>
@@ -11,7 +12,8 @@ namespace vsomeip_v3::embedded {
 
 enum class LogLevel : int { kNone = 0, kError, kWarning, kInfo, kDebug };
 
-// Lines on standard error, each with the level and the application's name. One per application; thread-safe.
+// Lines on standard error, each with the level and the application's name. One per application; thread-safe. Writing
+// one throws nothing.
 class Log {
  public:
   explicit Log(std::string name) : name_(std::move(name)) {}
@@ -34,9 +36,12 @@ class Log {
 
   template <typename... Parts>
   void Write(LogLevel level, const Parts&... parts) {
-    std::ostringstream text;
-    (text << ... << parts);
-    WriteLine(level, text.str());
+    try {
+      std::ostringstream text;
+      (text << ... << parts);
+      WriteLine(level, text.str());
+    } catch (const std::exception&) {  // no memory: one line less
+    }
   }
 
  private:
@@ -64,6 +69,7 @@ enum class Drop : std::size_t {
   kQueueFull,        // handlers do not keep up
   kSendQueueFull,    // a receiver does not keep up with what is sent to it
   kDiscoveryLimit,   // more offers, peers or subscribers than are kept
+  kNoMemory,         // for what came
   kDuplicateOffer,   // a second node offers an instance that is in use from another
   kCount
 };

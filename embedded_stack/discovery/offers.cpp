@@ -116,9 +116,9 @@ bool Offers::Accepts(const Entry& entry, const DiscoveryEntry& subscribe, std::u
 }
 
 bool Offers::HasRoomFor(std::uint32_t peer) const {
-  const auto own = subscriptions_of_.find(peer);
-  return subscription_count_ < kMaxSubscriptions &&
-         (own == subscriptions_of_.end() || own->second < kMaxSubscriptionsOfPeer);
+  const auto found = subscriptions_of_.find(peer);
+  const std::size_t own = found == subscriptions_of_.end() ? 0 : found->second;
+  return own < std::min(kMaxSubscriptionsOfPeer, (kMaxSubscriptions - subscription_count_ + 1) / 2);
 }
 
 void Offers::Subtract(std::uint32_t peer) {

@@ -16,7 +16,7 @@ namespace vsomeip_v3::embedded {
 class Offers {
  public:
   static constexpr std::size_t kMaxSubscriptions = 4096;
-  static constexpr std::size_t kMaxSubscriptionsOfPeer = 512;
+  static constexpr std::size_t kMaxSubscriptionsOfPeer = 512;  // and no more than half of what is free
   // Between two times that the present values go to one endpoint; who asks sooner gets them then.
   static constexpr std::chrono::milliseconds kInitialValueInterval{500};
 

@@ -285,6 +285,11 @@ void Requests::ForgetAnswer(const ServiceInstance& key, eventgroup_t eventgroup)
   if (found != subscriptions_.end() && found->second.state != State::kIdle) found->second.state = State::kPending;
 }
 
+bool Requests::IsAccepted(const ServiceInstance& key, eventgroup_t eventgroup) const {
+  const auto found = subscriptions_.find({key.first, key.second, eventgroup});
+  return found != subscriptions_.end() && found->second.state == State::kAccepted;
+}
+
 bool Requests::IsSatisfied(const ServiceInstance& wish) const {
   return wish.second != ANY_INSTANCE && available_.count(wish) != 0;
 }

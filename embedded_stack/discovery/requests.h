@@ -69,6 +69,7 @@ class Requests {
   void OnPeerRestarted(std::uint32_t peer, TimePoint now, DiscoveryOutput& out);
   // The next acknowledgement is told even if it says the same as the last one.
   void ForgetAnswer(const ServiceInstance& key, eventgroup_t eventgroup);
+  bool IsAccepted(const ServiceInstance& key, eventgroup_t eventgroup) const;
 
   void Poll(TimePoint now, DiscoveryOutput& out);
   TimePoint NextDeadline() const { return next_; }

@@ -1,6 +1,7 @@
 #include "embedded_stack/net/send_queue.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace vsomeip_v3::embedded {
 
@@ -36,14 +37,28 @@ SendQueue::SendQueue(std::size_t receive_buffer) : own_(receive_buffer) {}
 
 SendQueue::Class& SendQueue::ClassOf(const Target& target) { return target.second.IsOfThisStack() ? own_ : others_; }
 
+void SendQueue::Renew(const Class& receivers, Allowance& allowance, TimePoint now) {
+  if (now <= allowance.since) return;
+  const auto passed = static_cast<double>(std::chrono::nanoseconds(now - allowance.since).count());
+  allowance.used = std::max(0.0, allowance.used - passed * receivers.per_nanosecond);
+  allowance.since = now;
+}
+
 SendQueue::Allowance& SendQueue::AllowanceOf(Class& receivers, const Target& target, TimePoint now) {
-  Allowance& allowance = receivers.allowances[target.second.address % receivers.allowances.size()];
-  if (now > allowance.since) {
-    const auto passed = static_cast<double>(std::chrono::nanoseconds(now - allowance.since).count());
-    allowance.used = std::max(0.0, allowance.used - passed * receivers.per_nanosecond);
-    allowance.since = now;
+  auto& all = receivers.allowances;
+  auto found = all.find(target.second.address);
+  if (found == all.end()) {
+    if (all.size() >= receivers.most) {
+      for (auto each = all.begin(); each != all.end();) {
+        Renew(receivers, each->second, now);
+        each = each->second.used > 0 ? std::next(each) : all.erase(each);
+      }
+      receivers.most = std::max(std::size_t{64}, 2 * all.size());
+    }
+    found = all.emplace(target.second.address, Allowance{0, now}).first;
   }
-  return allowance;
+  Renew(receivers, found->second, now);
+  return found->second;
 }
 
 bool SendQueue::Admit(const Target& target, std::size_t payload_size, TimePoint now) {

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <deque>
 #include <functional>
 #include <map>
 #include <memory>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -65,16 +65,18 @@ class SendQueue {
     double used = 0;
     TimePoint since;
   };
-  // The allowances of receivers with one size of buffer. Receivers share one by the last bits of their addresses, so
-  // that no number of them takes memory.
+  // The allowances of receivers with one size of buffer. One is unused again a few milliseconds after the last message,
+  // so that they are as few as who is sent to within that time.
   struct Class {
     explicit Class(std::size_t receive_buffer);
-    double burst;           // the most that an allowance is
-    double per_nanosecond;  // that it grows
-    std::array<Allowance, 64> allowances;
+    double burst;                                             // the most that an allowance is
+    double per_nanosecond;                                    // that it grows
+    std::unordered_map<std::uint32_t, Allowance> allowances;  // by address; those that are unused go now and then
+    std::size_t most = 64;                                    // that there may be before that
   };
 
   Class& ClassOf(const Target& target);
+  static void Renew(const Class& receivers, Allowance& allowance, TimePoint now);
   static Allowance& AllowanceOf(Class& receivers, const Target& target, TimePoint now);
   void Release(std::uint32_t address, std::size_t size);
 

@@ -270,12 +270,15 @@ TEST_F(OffersTest, SubscribersAreBoundedInAllAndForEachPeer) {
     for (std::size_t port = 1; port <= Offers::kMaxSubscriptionsOfPeer; ++port) subscribe(kPeer + peer, port);
     EXPECT_FALSE(subscribe(kPeer + peer, 60000));
   }
+  EXPECT_TRUE(subscribe(kPeer + 20, 1)) << "twenty peers leave room for one more";
+  for (std::uint32_t peer = 21; peer < 1000; ++peer) subscribe(kPeer + peer, 1);
   EXPECT_EQ(SubscriberCount(), Offers::kMaxSubscriptions);
+  EXPECT_FALSE(subscribe(kPeer + 1000, 1));
   EXPECT_TRUE(subscribe(kPeer, 1));
   Subscribe(Entry(EntryType::kSubscribe, 0, Endpoint{kPeer, 1}));
   now_ += 1s;
   Poll();
-  EXPECT_TRUE(subscribe(kPeer + 19, 1));
+  EXPECT_TRUE(subscribe(kPeer + 1000, 1));
   now_ += 301s;  // nothing lasts for ever
   Poll();
   EXPECT_EQ(SubscriberCount(), 0U);

@@ -162,7 +162,10 @@ TEST_F(SendQueueTest, ReceiverThatSleepsHasRoomForAllThatComes) {
   const SendQueue::Target other_port{1, {1, 2}};
   EXPECT_TRUE(queue_.Admit(one_, SendQueue::kAtOnce, now_));
   EXPECT_FALSE(queue_.Admit(other_port, 20000, now_)) << "the same receiver";
-  EXPECT_TRUE(queue_.Admit(two_, SendQueue::kAtOnce, now_)) << "another one";
+  for (const std::uint32_t address : {2U, 1U + 64U, 1U + 4096U, 1U + (1U << 24U)}) {
+    EXPECT_TRUE(queue_.Admit({0, {address, 1}}, SendQueue::kAtOnce, now_)) << "another one";
+  }
+  for (std::uint32_t address = 1000; address < 2000; ++address) queue_.Admit({0, {address, 1}}, 20000, now_);
   EXPECT_TRUE(queue_.Admit(one_, 1, now_)) << "what is small needs no allowance";
   EXPECT_TRUE(queue_.Admit({0, {0x7F4D0001, 1}}, 1200000, now_)) << "has the same buffer as we have, by its address";
   for (const auto& target : {one_, other_port, one_}) Push(target, 2000000);
@@ -187,7 +190,7 @@ TEST_F(SendQueueTest, ReceiverThatSleepsHasRoomForAllThatComes) {
   const std::chrono::duration<double> took = now_ - begin;
   EXPECT_GT(6e6 / took.count(), 10e6) << "bytes per second";
 
-  const SendQueue::Target neighbour{0, {1 + 64, 1}};  // whose allowance is the same
+  const SendQueue::Target neighbour{0, {1, 99}};  // the same receiver
   Push(one_, 2000000);
   const std::size_t before = sent_.size();
   for (int milliseconds = 0; milliseconds < 1000; ++milliseconds, now_ += 1ms) {
