@@ -30,7 +30,7 @@ std::size_t ApplicationImpl::OnDatagram(Sockets::Channel channel, std::size_t so
     if (channel == Sockets::Channel::kData) return OnData(socket, from, datagram);
     OnDiscovery(channel == Sockets::Channel::kDiscoveryMulticast, from, datagram);
   } catch (const std::exception&) {
-    drops_.Count(Drop::kNoMemory, {}, Clock::now());
+    drops_.Count(Drop::kNoMemory, "any peer", Clock::now());
   }
   return 1;
 }

@@ -25,8 +25,8 @@ using SharedBytes = std::shared_ptr<const std::vector<std::uint8_t>>;
 // has the buffer that the system has granted to us; any other one may have no more than a system grants by default.
 // Targets take turns, the messages of one target keep their order.
 //
-// What waits for one address is never more than what is still free: a single one gets half of kMaxBytes, and however
-// many there are, there is room for one more. Not synchronized.
+// What waits for one address is never more than what is still free: a single one gets half of kMaxBytes, a second one
+// half of the rest, so that it takes many to keep a message of another one out. Not synchronized.
 class SendQueue {
  public:
   static constexpr std::size_t kMaxBytes = 256U << 20U;
